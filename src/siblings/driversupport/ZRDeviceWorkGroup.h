@@ -1,0 +1,45 @@
+// The devices of one connection, polled in turn.
+#pragma once
+
+#include "siblings/driversupport/ZRDeviceConnection.h"
+#include "siblings/driversupport/ZRDeviceDriver.h"
+
+#include <memory>
+
+// A state machine on the I/O pool. Its operations are called by one thread (and OneHzCall by the worker); each returns
+// at once. Membership changes only while it is stopped. Comes to rest by itself at destruction if it must.
+class ZRDeviceWorkGroup {
+public:
+    explicit ZRDeviceWorkGroup(const ZRBasicString& connectionName);
+    ZRDeviceWorkGroup(const ZRDeviceWorkGroup&) = delete;
+    ZRDeviceWorkGroup& operator=(const ZRDeviceWorkGroup&) = delete;
+    virtual ~ZRDeviceWorkGroup();
+
+    // The name of its connection.
+    ZRBasicString name;
+
+    // Not owned; must outlive its membership.
+    void Add(ZRDeviceDriver* driver);
+    void Remove(ZRDeviceDriver* driver);
+    [[nodiscard]] bool HasDriver(const ZRBasicString& driverName) const;
+    // Whether any work group at all has a driver of that name; quick.
+    [[nodiscard]] static bool AnyHasDriver(const ZRBasicString& driverName);
+
+    // Begins to serve its drivers over that connection. Not owned; must outlive the service. False when it already
+    // does, or when the connection can't begin to open.
+    bool Start(ZRDeviceConnection* connection);
+    // The tick of the second. Returns at once. Worker thread only.
+    void OneHzCall(const ZRDateTime& utcNow);
+    // Asks the group to stop; returns at once. Harmless on a stopped group.
+    void Stop();
+    // True once nothing of it runs any more: within 3 s of Stop, however mute the devices are.
+    [[nodiscard]] bool Stopped() const;
+
+    // Ticks received since it was made. Any thread.
+    [[nodiscard]] std::uint64_t Ticks() const;
+    [[nodiscard]] const ZRDateTime LastTick() const;
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};

@@ -151,7 +151,11 @@ bool WriteFileReplacing(const std::filesystem::path& path, std::string_view byte
 bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
 {
     std::error_code error;
-    if (folder.empty() || std::filesystem::is_directory(folder, error)) {
+    if (folder.empty()) {
+        reason = "the system tells no folder";
+        return false;
+    }
+    if (std::filesystem::is_directory(folder, error)) {
         return true;
     }
     if (folder.has_parent_path() && folder.parent_path() != folder &&

@@ -60,13 +60,18 @@ private:
 // store of a few words is under way. One writer at a time; readers on any thread.
 class LiveValue {
 public:
+    LiveValue() = default;
+    LiveValue(const LiveValue&) = delete;
+    LiveValue& operator=(const LiveValue&) = delete;
+    ~LiveValue();
+
     void WriteBoolean(bool value);
     void WriteNumber(double value);
     void WriteText(const ZRBasicString& value);
     void WriteWords(std::int32_t first, std::int32_t second);
     // The last value stays readable.
     void Invalidate();
-    [[nodiscard]] bool IsValid() const;
+    [[nodiscard]] bool IsValid() const { return (m_typeAndValid.load(std::memory_order_acquire) & kValidBit) != 0; }
     // Writes `type` and the payload of that type; nothing else of the record. Type 0 before the first write.
     void Read(tagSVariableValue& out) const;
 
@@ -74,10 +79,11 @@ private:
     static constexpr std::uint32_t kValidBit = 0x80000000u;
     void Write(std::int32_t type, std::uint64_t payload);
 
-    std::atomic<std::uint32_t> m_sequence{0};
+    std::atomic<std::uint32_t> m_sequence{0};  // odd while a store is under way
     std::atomic<std::uint32_t> m_typeAndValid{0};
     std::atomic<std::uint64_t> m_payload{0};
-    std::atomic<std::shared_ptr<const ZRBasicString>> m_text;
+    // Texts are rare and longer than a word: guarded by one of a few mutexes that all values share. Owned.
+    ZRBasicString* m_text = nullptr;
 };
 
 // The values of one device. Outlives the device while a reader holds it; nothing is valid then.

@@ -5,6 +5,7 @@
 #include "siblings/tools/XmlDocument.h"
 #include "siblings/tools/ZRBasicString.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 
@@ -19,8 +20,8 @@ struct ConnectionCounters {
 };
 }  // namespace zr
 
-// Carries out one transaction at a time. Open, Close, CanDoTransaction and DoTransaction are called on the thread of
-// its I/O context only; none of them blocks.
+// Carries out one transaction at a time. Open is called by whoever starts the service, while nothing of it runs; the
+// other operations on the thread of its I/O context only. None of them blocks.
 class ZRDeviceConnection {
 public:
     ZRDeviceConnection() = default;
@@ -51,18 +52,25 @@ public:
     std::function<void(ZRDeviceTransaction&)> OnDone;
     // Called on the I/O thread when CanDoTransaction may have become true. Set by the work group.
     std::function<void()> OnReady;
+    // Called on the I/O thread when the line is gone, after the OnDone of a transaction that broke with it. Set by the
+    // work group.
+    std::function<void()> OnLost;
     // Where this connection runs; set by the work group before Open. Not owned.
     zr::IoContext* context = nullptr;
 
+    // Until when that unit of the line is to be left alone, after an answer that may still come; in the past when it
+    // may be asked. I/O thread only.
+    [[nodiscard]] virtual std::chrono::steady_clock::time_point UnitFreeAt(std::uint8_t unit) const;
     // Any thread.
     [[nodiscard]] virtual zr::ConnectionCounters Counters() const { return {}; }
     // Why LoadCfg returned false, for the host to show; empty otherwise.
     [[nodiscard]] ZRBasicString LoadError() const { return m_loadError; }
 
     // Destroys a connection whose address stays in a list, and leaves a nameless, inert connection in its place, so
-    // that whoever follows the stale entry reads something harmless; deleting that one frees the storage.
+    // that whoever follows the stale entry reads something harmless; deleting that one frees the storage. Null is
+    // harmless, and so is burying twice.
     static void Bury(ZRDeviceConnection* connection);
-    // Room for what Bury leaves behind, whatever the class.
+    // Frees without a size: what lies in the storage may be smaller than what it was made for, see Bury.
     static void operator delete(void* storage);
 
 protected:

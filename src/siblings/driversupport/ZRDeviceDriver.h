@@ -13,12 +13,38 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 // One word, opaque to the caller, valid from LockVariable to UnlockVariable.
 using VariableHandle = std::uintptr_t;
 
+class ZRDeviceDriver;
 class ZRDriverVariableNameIterator;
+
+namespace zr {
+
+// Whoever polls a driver, seen from the driver.
+class DriverService {
+public:
+    // The driver has a request that can't wait. Any thread; returns at once.
+    virtual void DriverCalls() = 0;
+
+protected:
+    ~DriverService() = default;
+};
+
+// Whoever keeps a driver in a list, seen from the driver.
+class DriverKeeper {
+public:
+    // Called while the driver is being destroyed: its pointer must not be followed any more.
+    virtual void DriverGone(ZRDeviceDriver* driver) = 0;
+
+protected:
+    ~DriverKeeper() = default;
+};
+
+}  // namespace zr
 
 // One live device. Made by NewDriver, configured by LoadCfg, polled by its work group.
 //
@@ -85,6 +111,7 @@ public:
     /* 7 */ virtual ZRDeviceTransaction* ProbeTransaction();
     // Asks for an output to be set, in units of the stored value. False if the variable is no output, or the value
     // is outside its range. The request goes ahead of the polling. Any thread.
+    // The base has no way to ask the device and returns false.
     /* 8 */ virtual bool SetOutput(VariableHandle handle, double value);
     // Any thread. False if there is no variable of that name; handle is then unchanged.
     /* 9 */ virtual bool LockVariable(const wchar* variable, VariableHandle& handle);
@@ -138,16 +165,46 @@ public:
     // Locks given and not yet ended. Any thread.
     [[nodiscard]] int Locks() const { return m_locks.load(std::memory_order_relaxed); }
 
+    // Its work group only. Only one group serves a driver at a time, though several may hold it: false when another
+    // one does.
+    bool BeginService(zr::DriverService* service);
+    void EndService(const zr::DriverService* service);
+    // Whether AskForService was called since the last time. I/O thread only.
+    bool TakeServiceCall() { return m_callsForService.exchange(false, std::memory_order_acq_rel); }
+    // Who is told when the driver is destroyed. UI thread only.
+    void AddKeeper(zr::DriverKeeper* keeper);
+    void RemoveKeeper(zr::DriverKeeper* keeper);
+
 protected:
-    // Names the device and enters it where LockDriver looks. From LoadCfg only.
+    // Tells the group that NextTransaction has something that goes ahead of the polling, such as an output to be set;
+    // NextTransaction is then called before any other driver's turn, also between two cycles. Any thread.
+    void AskForService();
+    // Names the device and enters it where LockDriver looks, in the order of the calls. From LoadCfg only.
     void SetName(const ZRBasicString& deviceName);
     // Gives the device its variables. From LoadCfg only.
     void SetVariables(std::shared_ptr<const zr::VariableTable> table);
 
+    // Whether that variable is an output that may be set to that value. Any thread.
+    [[nodiscard]] bool AcceptsOutput(VariableHandle handle, double value) const;
+    // Position of the variable in the table; false for a handle that LockVariable didn't give. Any thread.
+    [[nodiscard]] bool VariableIndex(VariableHandle handle, std::size_t& index) const;
+
 private:
+    friend class ZRDriverVariable;
+    static void Describe(const zr::VariableDescription& variable, tagSVariableInfo& info);
+    static void Describe(const zr::VariableDescription& variable, tagSVariableValueInfo& info);
+    // The first live driver of that name and its store. Any thread.
+    static ZRDeviceDriver* FindLive(const ZRBasicString& name, std::shared_ptr<zr::VariableStore>& store);
+
     std::shared_ptr<zr::VariableStore> m_store;
+    ZRBasicString m_registeredName;
+    bool m_registered = false;
     std::atomic<bool> m_online{false};
     std::atomic<int> m_locks{0};
+    std::atomic<bool> m_callsForService{false};
+    std::mutex m_serviceGuard;
+    zr::DriverService* m_service = nullptr;  // guarded by m_serviceGuard
+    std::vector<zr::DriverKeeper*> m_keepers;
 };
 
 // Walks the variable names of a driver: VariableNameBegin fills it, postfix ++ moves on, the walk ends at

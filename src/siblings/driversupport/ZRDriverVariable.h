@@ -51,7 +51,6 @@ public:
     ZRDeviceDriver* driver = nullptr;
 
 private:
-    VariableHandle m_handle = 0;
     std::shared_ptr<zr::VariableStore> m_store;
     std::size_t m_index = 0;
 };

@@ -414,6 +414,11 @@ void ZRDeviceDriver::RemoveKeeper(zr::DriverKeeper* keeper)
     }
 }
 
+bool ZRDeviceDriver::IsKeptBy(const zr::DriverKeeper* keeper) const
+{
+    return std::find(m_keepers.begin(), m_keepers.end(), keeper) != m_keepers.end();
+}
+
 ZRDriverVariableNameIterator ZRDriverVariableNameIterator::operator++(int)
 {
     ZRDriverVariableNameIterator before = *this;

@@ -1,5 +1,7 @@
 #include "siblings/driversupport/ZRDeviceDriver.h"
 
+#include "siblings/driversupport/MeasureUnits.h"
+
 #include <algorithm>
 #include <limits>
 #include <unordered_map>
@@ -337,6 +339,11 @@ ZRDeviceDriver* ZRDeviceDriver::FindLive(const ZRBasicString& name, std::shared_
         store = driver->m_store;
     }
     return driver;
+}
+
+void ZRDeviceDriver::MeasureUnitsText(ZRBasicString& out, int units, int exponent)
+{
+    zr::MeasureUnitsText(out, units, exponent);
 }
 
 void ZRDeviceDriver::SetName(const ZRBasicString& deviceName)

@@ -5,7 +5,6 @@
 #include "siblings/tools/XmlGate.h"
 
 #include <libxml/parser.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <algorithm>
@@ -15,6 +14,7 @@
 #include <fstream>
 #include <memory>
 #include <pugixml.hpp>
+#include <string>
 #include <vector>
 
 namespace {
@@ -61,11 +61,16 @@ std::unique_ptr<xmlDoc, FreeLibxml2> LoadLibxml2(const std::string& path)
     return std::unique_ptr<xmlDoc, FreeLibxml2>(xmlReadFile(path.c_str(), nullptr, XML_PARSE_HUGE | XML_PARSE_NONET));
 }
 
+// The high-water mark of this program's own memory; getrusage would count that of the process it was forked from.
 double PeakMb()
 {
-    rusage usage = {};
-    ::getrusage(RUSAGE_SELF, &usage);
-    return static_cast<double>(usage.ru_maxrss) / 1024.0;
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("VmHWM:")) {
+            return std::strtod(line.c_str() + 6, nullptr) / 1024.0;
+        }
+    }
+    return 0.0;
 }
 
 // Runs this program again for one load, so that nothing of this process counts.

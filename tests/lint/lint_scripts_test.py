@@ -151,7 +151,7 @@ class CheckTexts(LintCase):
         self.refuses("check_texts", "de.txt")
 
     def test_leaves_other_constants_alone(self):
-        self.write("src/comm/Sizes.h", "constexpr int kMaxTextWidth = 99;\n")
+        self.write("src/comm/Sizes.h", "constexpr int kMaxTextWidth = 99;\nconstexpr std::size_t kMessageBuffer = 1024;\n")
         self.accepts("check_texts")
 
 

@@ -1,5 +1,6 @@
 #include "siblings/tools/LanguageFile.h"
 
+#include "siblings/tools/FormatText.h"
 #include "siblings/tools/Utf.h"
 #include "siblings/tools/ZRLoadString.h"
 #include "support/TempFolder.h"
@@ -74,6 +75,25 @@ TEST(LanguageFile, TakesTheByteOrderMarkAndLineEndsOfOtherEditors)
                       ""));
     EXPECT_EQ(Text(file, 1), u"one");
     EXPECT_EQ(Text(file, 2), u"two");
+}
+
+// The worked example of docs/formats/language-file.md.
+TEST(LanguageFile, ReadsTheWorkedExample)
+{
+    const std::string example =
+        "# Texts of the explorer\n"
+        "432\tYear\n"
+        "757\t%d minutes\n"
+        "32331\tWeek %d: %s to %s\n"
+        "513\tThis sample period is too long for the group.\\nChoose a shorter period, or a longer group.\n";
+    LanguageFile file;
+    ASSERT_TRUE(file.LoadText(example, "en.txt"));
+    EXPECT_EQ(zr::FormatText(Text(file, 757), {15}), u"15 minutes");
+    EXPECT_EQ(zr::FormatText(Text(file, 32331), {1, u"30 December 2002", u"5 January 2003"}),
+              u"Week 1: 30 December 2002 to 5 January 2003");
+    EXPECT_NE(Text(file, 513).Text().find(u'\n'), std::u16string_view::npos);
+    EXPECT_FALSE(file.LoadText(example + "757\t%d min\n", "en.txt"));
+    EXPECT_EQ(file.Error().Message(), "en.txt:6: number 757 stands in line 3 already");
 }
 
 TEST(LanguageFile, RefusesAMissingFileByName)

@@ -9,6 +9,7 @@
 #include "hosts/kestrixd/Summary.h"
 #include "platform/ProcessLock.h"
 #include "platform/StopSignals.h"
+#include "siblings/driversupport/DeviceWarning.h"
 #include "siblings/support/ZRKestrixSetup.h"
 #include "siblings/tools/LanguageFile.h"
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kNameColumns = 14;
 constexpr int kTypeColumns = 6;
-constexpr int kMessageRows = 4;
+constexpr int kRowsOfMessages = 4;
 
 // Cut to a number of code points, padded with blanks.
 std::string Fit(const ZRBasicString& text, int columns)
@@ -126,7 +126,7 @@ std::string LiveTable::Render(int columns, int rows, const Summary& summary,
                                    summary.online, summary.devices, summary.valid, summary.variables,
                                    summary.transactions, summary.timeouts);
     std::string text = head.substr(0, static_cast<std::size_t>(std::max(columns, 0))) + "\n";
-    int room = rows - 2 - std::min<int>(kMessageRows, static_cast<int>(messages.size()));
+    int room = rows - 2 - std::min<int>(kRowsOfMessages, static_cast<int>(messages.size()));
     std::size_t shown = 0;
     for (const Row& row : m_rows) {
         if (room-- <= 0) {
@@ -138,7 +138,7 @@ std::string LiveTable::Render(int columns, int rows, const Summary& summary,
     if (shown < m_rows.size()) {
         text += fmt::format("... and {} more devices\n", m_rows.size() - shown);
     }
-    const std::size_t first = messages.size() > kMessageRows ? messages.size() - kMessageRows : 0;
+    const std::size_t first = messages.size() > kRowsOfMessages ? messages.size() - kRowsOfMessages : 0;
     for (std::size_t i = first; i < messages.size(); ++i) {
         text += messages[i].substr(0, static_cast<std::size_t>(std::max(columns, 0))) + '\n';
     }

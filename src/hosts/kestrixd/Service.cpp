@@ -166,8 +166,9 @@ bool Service::CheckFilters()
         if (filter == nullptr || !seen.insert(filter).second) {
             continue;
         }
+        // The driver tells the file's title, which has no extension.
         std::string error;
-        if (!FilterFile().Load(PathFromText((m_setup.dataFolder + filter).Text()), error)) {
+        if (!FilterFile().Load(PathFromText((m_setup.dataFolder + filter + u".MVDF").Text()), error)) {
             Complain(error);
             good = false;
         }

@@ -6,6 +6,7 @@
 #include "siblings/tools/ZRBasicString.h"
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 
@@ -72,6 +73,7 @@ public:
     static void Bury(ZRDeviceConnection* connection);
     // Frees without a size: what lies in the storage may be smaller than what it was made for, see Bury.
     static void operator delete(void* storage);
+    static void* operator new(std::size_t size);
 
 protected:
     ZRBasicString m_loadError;

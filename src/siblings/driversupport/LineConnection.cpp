@@ -89,6 +89,10 @@ void LineConnection::BeginOpen()
 void LineConnection::WireOpened()
 {
     m_open = true;
+    m_quiet = m_line->LineFreeAt() > Clock::now();  // the line may have been lost while it rested
+    if (m_quiet) {
+        m_timer->Set(m_line->LineFreeAt());
+    }
     if (std::exchange(m_lossTold, false)) {
         PostNotice(DeviceWarning::ConnectionOpened, name);
     }
@@ -270,9 +274,10 @@ void LineConnection::Accept(std::span<const std::uint8_t> frame, bool moreFollow
     if (m_held) {
         CountDropped(1);
         m_waryUntil = now + kWary;
-    } else if (IsLastFrame(frame) && now - m_sentAt < m_usual / 2) {
+    } else if (IsLastFrame(frame) && (!IsLastRequest() || now - m_sentAt < m_usual / 2)) {
         m_held = true;
-        const Clock::duration patience = std::max<Clock::duration>(4 * m_usual, std::chrono::milliseconds(2));
+        const Clock::duration patience =
+            std::max<Clock::duration>({4 * m_usual, m_line->SlowestReply(), std::chrono::milliseconds(2)});
         m_deadline = std::min(m_deadline, now + patience);
         m_timer->Set(m_deadline);
         return;
@@ -288,6 +293,8 @@ void LineConnection::Deliver(std::span<const std::uint8_t> frame, Clock::time_po
     std::copy(frame.begin(), frame.end(), transaction.reply.begin());
     std::copy(frame.begin(), frame.end(), m_last.begin());
     m_lastSize = frame.size();
+    m_lastRequest = transaction.request;
+    m_lastRequestSize = transaction.requestSize;
     m_usual = m_usual == Clock::duration::zero() ? transaction.took : (7 * m_usual + transaction.took) / 8;
     m_line->Replied(transaction.took);
     m_reopenAfter = m_times.firstReopen;
@@ -317,6 +324,11 @@ bool LineConnection::IsLastFrame(std::span<const std::uint8_t> frame) const
 {
     return m_lastSize > 0 && std::equal(frame.begin(), frame.end(), m_last.begin(),
                                         m_last.begin() + static_cast<std::ptrdiff_t>(m_lastSize));
+}
+
+bool LineConnection::IsLastRequest() const
+{
+    return std::ranges::equal(m_current->Request(), std::span(m_lastRequest).first(m_lastRequestSize));
 }
 
 void LineConnection::CountDropped(std::size_t frames)

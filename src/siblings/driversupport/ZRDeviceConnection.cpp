@@ -51,3 +51,8 @@ void ZRDeviceConnection::operator delete(void* storage)
 {
     ::operator delete(storage);
 }
+
+void* ZRDeviceConnection::operator new(std::size_t size)
+{
+    return ::operator new(size);
+}

@@ -74,6 +74,7 @@ public:
     static void* operator new(std::size_t size);
     // Frees without a size: what lies in the storage may be smaller than what it was made for, see Bury.
     static void operator delete(void* storage);
+    static void* operator new(std::size_t size);
 
 protected:
     ZRBasicString m_loadError;

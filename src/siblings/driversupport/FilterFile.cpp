@@ -12,9 +12,9 @@ namespace {
 
 constexpr std::size_t kColorDigits = 6;
 
-std::string At(const std::filesystem::path& file, const XmlNode& node, const std::string& reason)
+std::string At(const std::string& file, const XmlNode& node, const std::string& reason)
 {
-    return file.string() + ":" + std::to_string(node.Line()) + ": " + reason;
+    return file + ":" + std::to_string(node.Line()) + ": " + reason;
 }
 
 bool IsHexadecimal(wchar character)
@@ -48,7 +48,7 @@ std::string NameFault(const XmlNode& node, const std::vector<FilterFile::HourTyp
     return {};
 }
 
-bool ReadHourType(const std::filesystem::path& file, const XmlNode& node, std::vector<FilterFile::HourType>& types,
+bool ReadHourType(const std::string& file, const XmlNode& node, std::vector<FilterFile::HourType>& types,
                   std::string& error)
 {
     const std::string fault = NameFault(node, types);
@@ -69,13 +69,9 @@ bool ReadHourType(const std::filesystem::path& file, const XmlNode& node, std::v
     return true;
 }
 
-bool ReadFilter(const std::filesystem::path& file, std::vector<FilterFile::HourType>& types, std::string& error)
+bool ReadFilter(const XmlDocument& document, const std::string& file, std::vector<FilterFile::HourType>& types,
+                std::string& error)
 {
-    XmlDocument document;
-    if (!document.Load(file)) {
-        error = document.Error().Message();
-        return false;
-    }
     const XmlNode* list = std::as_const(*document.root).Node(u"hourTypes");
     if (list == nullptr) {
         error = At(file, *document.root, "hourTypes: missing");
@@ -90,15 +86,9 @@ bool ReadFilter(const std::filesystem::path& file, std::vector<FilterFile::HourT
     return !types.empty();
 }
 
-// The names of the companion, in order.
-bool CheckCompanion(const std::filesystem::path& file, const std::vector<FilterFile::HourType>& types,
-                    std::string& error)
+bool CheckCompanion(const XmlDocument& document, const std::string& file,
+                    const std::vector<FilterFile::HourType>& types, std::string& error)
 {
-    XmlDocument document;
-    if (!document.Load(file)) {
-        error = document.Error().Message();
-        return false;
-    }
     std::vector<ZRBasicString> names;
     for (const XmlNode* child : document.root->children) {
         if (child->tag != u"hour")
@@ -124,10 +114,42 @@ bool CheckCompanion(const std::filesystem::path& file, const std::vector<FilterF
 
 bool FilterFile::Load(const std::filesystem::path& file, std::string& error)
 {
+    XmlDocument filter;
+    XmlDocument companion;
+    std::filesystem::path companionFile = file;
+    companionFile += "I";
+    if (!filter.Load(file)) {
+        error = filter.Error().Message();
+        return false;
+    }
+    if (!companion.Load(companionFile)) {
+        error = companion.Error().Message();
+        return false;
+    }
+    return Take(filter, companion, file.string(), error);
+}
+
+bool FilterFile::LoadText(std::string_view filterBytes, std::string_view companionBytes, const std::string& name,
+                          std::string& error)
+{
+    XmlDocument filter;
+    XmlDocument companion;
+    if (!filter.LoadText(filterBytes, name)) {
+        error = filter.Error().Message();
+        return false;
+    }
+    if (!companion.LoadText(companionBytes, name + "I")) {
+        error = companion.Error().Message();
+        return false;
+    }
+    return Take(filter, companion, name, error);
+}
+
+bool FilterFile::Take(const XmlDocument& filter, const XmlDocument& companion, const std::string& name,
+                      std::string& error)
+{
     std::vector<HourType> types;
-    std::filesystem::path companion = file;
-    companion += "I";
-    if (!ReadFilter(file, types, error) || !CheckCompanion(companion, types, error))
+    if (!ReadFilter(filter, name, types, error) || !CheckCompanion(companion, name + "I", types, error))
         return false;
     m_hourTypes = std::move(types);
     return true;

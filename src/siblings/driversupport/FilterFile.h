@@ -7,7 +7,10 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
+
+class XmlDocument;
 
 namespace zr {
 
@@ -30,10 +33,15 @@ public:
     // was.
     bool Load(const std::filesystem::path& file, std::string& error);
 
+    // As Load, from bytes in memory; name stands for the file in errors.
+    bool LoadText(std::string_view filter, std::string_view companion, const std::string& name, std::string& error);
+
     // In order of the file.
     [[nodiscard]] const std::vector<HourType>& HourTypes() const { return m_hourTypes; }
 
 private:
+    bool Take(const XmlDocument& filter, const XmlDocument& companion, const std::string& name, std::string& error);
+
     std::vector<HourType> m_hourTypes;
 };
 

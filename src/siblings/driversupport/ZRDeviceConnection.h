@@ -71,7 +71,6 @@ public:
     // that whoever follows the stale entry reads something harmless; deleting that one frees the storage. Null is
     // harmless, and so is burying twice.
     static void Bury(ZRDeviceConnection* connection);
-    static void* operator new(std::size_t size);
     // Frees without a size: what lies in the storage may be smaller than what it was made for, see Bury.
     static void operator delete(void* storage);
     static void* operator new(std::size_t size);

@@ -164,7 +164,7 @@ void LineConnection::OnTime()
         if (now < m_deadline) {
             m_timer->Set(m_deadline);
         } else if (m_held) {
-            Deliver({m_last.data(), m_lastSize}, now);  // no other came: it was the reply
+            Deliver({m_last.data(), m_lastSize}, m_heldAt);  // no other came: it was the reply
         } else {
             Complete(Outcome::TimedOut, now);
         }
@@ -276,6 +276,7 @@ void LineConnection::Accept(std::span<const std::uint8_t> frame, bool moreFollow
         m_waryUntil = now + kWary;
     } else if (IsLastFrame(frame) && (!IsLastRequest() || now - m_sentAt < m_usual / 2)) {
         m_held = true;
+        m_heldAt = now;
         const Clock::duration patience =
             std::max<Clock::duration>({4 * m_usual, m_line->SlowestReply(), std::chrono::milliseconds(2)});
         m_deadline = std::min(m_deadline, now + patience);
@@ -285,10 +286,10 @@ void LineConnection::Accept(std::span<const std::uint8_t> frame, bool moreFollow
     Deliver(frame, now);
 }
 
-void LineConnection::Deliver(std::span<const std::uint8_t> frame, Clock::time_point now)
+void LineConnection::Deliver(std::span<const std::uint8_t> frame, Clock::time_point receivedAt)
 {
     ZRDeviceTransaction& transaction = *m_current;
-    transaction.took = now - m_sentAt;
+    transaction.took = receivedAt - m_sentAt;
     transaction.replySize = frame.size();
     std::copy(frame.begin(), frame.end(), transaction.reply.begin());
     std::copy(frame.begin(), frame.end(), m_last.begin());
@@ -299,7 +300,7 @@ void LineConnection::Deliver(std::span<const std::uint8_t> frame, Clock::time_po
     m_line->Replied(transaction.took);
     m_reopenAfter = m_times.firstReopen;
     m_beginning.clear();
-    Complete(Outcome::Replied, now);
+    Complete(Outcome::Replied, receivedAt);
 }
 
 void LineConnection::Stray(std::span<const std::uint8_t> bytes)

@@ -70,7 +70,7 @@ private:
     void Judge(std::span<const std::uint8_t> bytes);
     void AwaitRest(std::span<const std::uint8_t> beginning);
     void Accept(std::span<const std::uint8_t> frame, bool moreFollows);
-    void Deliver(std::span<const std::uint8_t> frame, Clock::time_point now);
+    void Deliver(std::span<const std::uint8_t> frame, Clock::time_point receivedAt);
     void Complete(ZRDeviceTransaction::Outcome outcome, Clock::time_point now);
     void CountDropped(std::size_t frames);
     [[nodiscard]] bool IsLastFrame(std::span<const std::uint8_t> frame) const;
@@ -105,6 +105,7 @@ private:
     Clock::time_point m_deadline;
     std::vector<std::uint8_t> m_beginning;  // of a frame that isn't whole yet
     bool m_held = false;                    // m_last came again and may be the reply
+    Clock::time_point m_heldAt;
     std::array<std::uint8_t, ZRDeviceTransaction::kMaxFrame> m_last{};
     std::size_t m_lastSize = 0;
     std::array<std::uint8_t, ZRDeviceTransaction::kMaxFrame> m_lastRequest{};

@@ -25,18 +25,19 @@ int Unsigned(unsigned value)
     return static_cast<int>(value);
 }
 
+bool IsWithin(int value, int limit)
+{
+    return value >= 0 && value < limit;
+}
+
+// Not ok() when a part is out of range. Tested by itself, since the types of std::chrono keep the low bits alone.
 year_month_day Calendar(int year, int month, int day)
 {
-    if (month < 0 || day < 0) {
+    if (year < 1900 || year > 9999 || !IsWithin(month, 13) || !IsWithin(day, 32)) {
         return {};
     }
     return {std::chrono::year(year), std::chrono::month(static_cast<unsigned>(month)),
             std::chrono::day(static_cast<unsigned>(day))};
-}
-
-bool IsWithin(int value, int limit)
-{
-    return value >= 0 && value < limit;
 }
 
 // Division whose remainder is never negative.
@@ -95,10 +96,13 @@ ZRDateTime ZRDateTime::LTC()
     if (!zr::ToLocalTime(now, local)) {
         return {};
     }
+    const year_month_day today = Calendar(local.year, local.month, local.day);
+    if (!today.ok()) {
+        return {};
+    }
     const auto fraction = now - std::chrono::floor<std::chrono::seconds>(now);
     const std::int64_t secondsOfDay = (local.hour * 60 + local.minute) * 60 + local.second;
-    return DateFromClock(Calendar(local.year, local.month, local.day), secondsOfDay,
-                         std::chrono::floor<std::chrono::microseconds>(fraction).count());
+    return DateFromClock(today, secondsOfDay, std::chrono::floor<std::chrono::microseconds>(fraction).count());
 }
 
 ZRDateTime ZRDateTime::UTC()
@@ -113,9 +117,7 @@ void ZRDateTime::SetDateTime(int year, int month, int day, int hour, int minute,
     *this = {};
     const year_month_day date = Calendar(year, month, day);
     const bool isTime = IsWithin(hour, 24) && IsWithin(minute, 60) && IsWithin(second, 60);
-    // The year is tested by itself: std::chrono takes what lies beyond its own range modulo 65536.
-    if (year < 2000 || year > 2136 || !date.ok() || !isTime || !IsWithin(milliseconds, 1000) ||
-        !IsWithin(micros, 1000)) {
+    if (!date.ok() || !isTime || !IsWithin(milliseconds, 1000) || !IsWithin(micros, 1000)) {
         return;
     }
     *this = DateFromClock(date, (hour * 60 + minute) * 60 + second, milliseconds * 1000 + micros);

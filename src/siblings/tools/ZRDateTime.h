@@ -82,7 +82,12 @@ public:
     friend ZRDateTime operator-(ZRDateTime date, const ZRDateTimeSpan& span) { return date -= span; }
     // Held at the limits of a span (68 years); the span of zero when one of them is no date.
     friend ZRDateTimeSpan operator-(const ZRDateTime& left, const ZRDateTime& right);
-    friend constexpr auto operator<=>(const ZRDateTime&, const ZRDateTime&) = default;
+    friend constexpr bool operator==(const ZRDateTime&, const ZRDateTime&) = default;
+    friend constexpr std::strong_ordering operator<=>(const ZRDateTime& left, const ZRDateTime& right)
+    {
+        const std::strong_ordering order = left.seconds <=> right.seconds;
+        return std::is_eq(order) ? left.microseconds <=> right.microseconds : order;
+    }
 };
 
 // A signed length of time in whole seconds and microseconds (0 to 999999, counted upwards from the seconds, so that
@@ -100,5 +105,10 @@ public:
 
     // The sum of the parts, each of which may be negative. Held at the limits of a span (68 years).
     void SetDateTimeSpan(int days, int hours, int minutes, int wholeSeconds, int milliseconds, int micros);
-    friend constexpr auto operator<=>(const ZRDateTimeSpan&, const ZRDateTimeSpan&) = default;
+    friend constexpr bool operator==(const ZRDateTimeSpan&, const ZRDateTimeSpan&) = default;
+    friend constexpr std::strong_ordering operator<=>(const ZRDateTimeSpan& left, const ZRDateTimeSpan& right)
+    {
+        const std::strong_ordering order = left.seconds <=> right.seconds;
+        return std::is_eq(order) ? left.microseconds <=> right.microseconds : order;
+    }
 };

@@ -68,7 +68,7 @@ HDDEDATA CALLBACK OnClient(UINT type, UINT, HCONV, HSZ, HSZ, HDDEDATA data, ULON
 {
     if (type == XTYP_ADVDATA) {
         std::array<BYTE, 8> bytes{};
-        g_received += DdeGetData(data, bytes.data(), bytes.size(), 0) == bytes.size() ? 1 : 0;
+        g_received += DdeGetData(data, bytes.data(), bytes.size(), 0) == bytes.size() ? 1U : 0U;
     }
     return Reply(type == XTYP_ADVDATA ? DDE_FACK : 0);
 }

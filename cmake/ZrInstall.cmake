@@ -1,1 +1,38 @@
-# Installation and the CMake package ZRCore.
+# Installation and the CMake package ZRCore: `find_package(ZRCore COMPONENTS core devices)` gives ZRCore::core,
+# ZRCore::devices and the folder of the resources as ZRCore_RESOURCES.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(ZR_PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/ZRCore)
+set(ZR_RESOURCE_FOLDER ${CMAKE_INSTALL_DATADIR}/kestrix)
+
+# zr_install_component(component target): the target as ZRCore::component.
+function(zr_install_component component target)
+  set_target_properties(${target} PROPERTIES EXPORT_NAME ${component})
+  install(TARGETS ${target} EXPORT ZRCore-${component} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(EXPORT ZRCore-${component} NAMESPACE ZRCore:: DESTINATION ${ZR_PACKAGE_FOLDER})
+endfunction()
+
+zr_install_component(core zrcore)
+if(TARGET zrdevices)
+  zr_install_component(devices zrdevices)
+endif()
+
+# What hosts include, and what that includes.
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zrcore
+  FILES_MATCHING PATTERN *.h
+  PATTERN hosts EXCLUDE PATTERN simulation EXCLUDE PATTERN ui EXCLUDE PATTERN posix EXCLUDE PATTERN win32 EXCLUDE)
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/resources/ DESTINATION ${ZR_RESOURCE_FOLDER})
+
+foreach(program kestrixd kestrix-plant)
+  if(TARGET ${program})
+    install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  endif()
+endforeach()
+
+configure_package_config_file(${CMAKE_SOURCE_DIR}/cmake/ZRCoreConfig.cmake.in
+  ${CMAKE_BINARY_DIR}/ZRCoreConfig.cmake
+  INSTALL_DESTINATION ${ZR_PACKAGE_FOLDER} PATH_VARS ZR_RESOURCE_FOLDER)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/ZRCoreConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/ZRCoreConfig.cmake ${CMAKE_BINARY_DIR}/ZRCoreConfigVersion.cmake
+  DESTINATION ${ZR_PACKAGE_FOLDER})

@@ -128,5 +128,32 @@ class CheckWords(LintCase):
         self.accepts("check_words")
 
 
+class CheckTexts(LintCase):
+    def setUp(self):
+        super().setUp()
+        self.write("resources/language/en.txt", "# 9\n514\tThere is no variable.\n")
+
+    def test_accepts_a_constant_whose_text_exists(self):
+        self.write("src/comm/TextIds.h", "inline constexpr unsigned kTextNoVariable = 514;\n")
+        self.accepts("check_texts")
+
+    def test_refuses_a_constant_whose_text_is_missing(self):
+        self.write("src/comm/TextIds.h", "\ninline constexpr unsigned kMessageGone = 9;\n")
+        self.refuses("check_texts", "src/comm/TextIds.h:2:", "kMessageGone", "text 9", "en.txt")
+
+    def test_refuses_a_constant_in_braces(self):
+        self.write("src/comm/TextIds.h", "constexpr unsigned kTextGone{515u};\n")
+        self.refuses("check_texts", "text 515")
+
+    def test_looks_into_every_language(self):
+        self.write("resources/language/de.txt", "515\tJa\n")
+        self.write("src/comm/TextIds.h", "constexpr unsigned kTextNoVariable = 514;\n")
+        self.refuses("check_texts", "de.txt")
+
+    def test_leaves_other_constants_alone(self):
+        self.write("src/comm/Sizes.h", "constexpr int kMaxTextWidth = 99;\nconstexpr std::size_t kMessageBuffer = 1024;\n")
+        self.accepts("check_texts")
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -1,5 +1,7 @@
 #include "siblings/driversupport/ZRDeviceDriver.h"
 
+#include "siblings/driversupport/MeasureUnits.h"
+
 #include <algorithm>
 #include <limits>
 #include <unordered_map>
@@ -339,6 +341,11 @@ ZRDeviceDriver* ZRDeviceDriver::FindLive(const ZRBasicString& name, std::shared_
     return driver;
 }
 
+void ZRDeviceDriver::MeasureUnitsText(ZRBasicString& out, int units, int exponent)
+{
+    zr::MeasureUnitsText(out, units, exponent);
+}
+
 void ZRDeviceDriver::SetName(const ZRBasicString& deviceName)
 {
     LiveDrivers& live = Live();
@@ -412,6 +419,11 @@ void ZRDeviceDriver::RemoveKeeper(zr::DriverKeeper* keeper)
     if (found != m_keepers.end()) {
         m_keepers.erase(found);
     }
+}
+
+bool ZRDeviceDriver::IsKeptBy(const zr::DriverKeeper* keeper) const
+{
+    return std::find(m_keepers.begin(), m_keepers.end(), keeper) != m_keepers.end();
 }
 
 ZRDriverVariableNameIterator ZRDriverVariableNameIterator::operator++(int)

@@ -98,8 +98,9 @@ public:
     /* 1 */ ~ZRDeviceDriver() override;
     // How often the device is polled; 0: again as soon as a cycle is over. I/O thread only.
     /* 2 */ virtual std::chrono::milliseconds Period() const;
-    // The next request of the present cycle, or null when the cycle is over. Owned by the driver, not asked for
-    // again before TransactionDone. I/O thread only.
+    // The next request of the present cycle, or null when the cycle is over. Outputs to be set come first, and come
+    // also between two cycles, see AskForService. Owned by the driver, not asked for again before TransactionDone.
+    // I/O thread only.
     /* 3 */ virtual ZRDeviceTransaction* NextTransaction();
     // What became of it. Writes the values of a reply. I/O thread only.
     /* 4 */ virtual void TransactionDone(ZRDeviceTransaction& transaction);
@@ -174,6 +175,7 @@ public:
     // Who is told when the driver is destroyed. UI thread only.
     void AddKeeper(zr::DriverKeeper* keeper);
     void RemoveKeeper(zr::DriverKeeper* keeper);
+    [[nodiscard]] bool IsKeptBy(const zr::DriverKeeper* keeper) const;
 
 protected:
     // Tells the group that NextTransaction has something that goes ahead of the polling, such as an output to be set;

@@ -11,6 +11,9 @@
 #include <string_view>
 #include <vector>
 
+class XmlTreeBuilder;
+class XmlWriter;
+
 // Why a document was refused, for the host to show.
 struct XmlError {
     std::string file;      // as given to Load(); "" for text from memory
@@ -25,7 +28,9 @@ struct XmlError {
 // Text comes in through a strict gate before any of it is believed: UTF-8 (or UTF-16 with a byte order mark,
 // which is converted), no NUL or control characters, no document type, exactly one root and nothing but
 // comments and white space around it, no doubled attribute, no undefined entity, no character reference out
-// of range, at most kMaxDepth levels, kMaxBytes bytes and kMaxAttributes attributes in one element.
+// of range, at most kMaxDepth levels, kMaxBytes bytes and kMaxAttributes attributes in one element. A named value is
+// an attribute; text between tags and CDATA sections are refused. Comments and processing instructions are read over
+// and not kept.
 class XmlDocument {
 public:
     static constexpr std::size_t kMaxDepth = 256;
@@ -47,8 +52,8 @@ public:
         // "/"; a step is `tag` or `tag?name=value?`, whose value runs to the closing question mark.
         [[nodiscard]] const XmlNode* Node(const wchar* path) const;
         [[nodiscard]] XmlNode* Node(const wchar* path);
-        // Fills each %s of the format with the next argument, then does as Node(). An argument is never taken
-        // for path syntax, as long as it holds no question mark.
+        // Fills each %s of the format with the next argument, then does as Node(); %% stands for "%". An argument is
+        // never taken for path syntax, whatever it holds. A %s without an argument stays as it stands.
         template <typename... Texts>
         [[nodiscard]] XmlNode* NodeV(const wchar* format, const Texts&... texts)
         {
@@ -76,14 +81,20 @@ public:
 
     private:
         friend class XmlDocument;
-        friend class XmlTreeBuilder;
+        friend class ::XmlTreeBuilder;
+        friend class ::XmlWriter;
         struct Storage;
         struct NamedValue {
             const ZRBasicString* name;  // Not owned; interned by the document's Storage.
-            const wchar* text;          // Not owned; lives in the document's Storage.
+            wchar* text;                // Not owned; lives in the document's Storage. Null when empty.
             std::size_t length;
         };
         explicit XmlNode(Storage& storage) : m_storage(storage) {}
+        [[nodiscard]] NamedValue* Find(std::u16string_view name);
+        [[nodiscard]] const NamedValue* Find(std::u16string_view name) const;
+        [[nodiscard]] const XmlNode* Child(std::u16string_view childTag) const;
+        [[nodiscard]] const XmlNode* Child(std::u16string_view childTag, std::u16string_view name,
+                                           std::u16string_view value) const;
         XmlNode* NodeFilled(const wchar* format, std::initializer_list<ZRBasicString> texts);
 
         Storage& m_storage;
@@ -110,7 +121,10 @@ public:
     // Writes the tree to the remembered file: temporary file (0600), flush, rename, flush of the folder.
     // False on failure; the old file is then as before and Error() tells why.
     bool Save();
-    // The document as UTF-8 text, two blanks a level, attributes for values, a line end at the end.
+    // The document as UTF-8 text, two blanks a level, attributes for values, a line end at the end. White space other
+    // than blanks is written by reference; what XML can't carry (NUL, most control characters, unpaired surrogates,
+    // U+FFFE, U+FFFF) as U+FFFD. Empty when there is no tree, or when it could not be read again: a tag or a name that
+    // is no name of XML, or a limit passed; Save() then tells which.
     [[nodiscard]] std::string SaveText() const;
     // Empties the tree; the file name stays.
     void Reset();
@@ -120,6 +134,10 @@ public:
     [[nodiscard]] const XmlError& Error() const { return m_error; }
 
 private:
+    bool Read(std::string& bytes, const std::string& name);
+    bool Fail(const std::string& file, std::size_t line, std::string reason);
+    std::unique_ptr<XmlNode> Copy(const XmlNode& source);
+
     std::unique_ptr<XmlNode::Storage> m_storage;
     ZRBasicString m_fileName;
     XmlError m_error;

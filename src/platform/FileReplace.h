@@ -1,0 +1,29 @@
+// Files read whole and replaced whole, so that a reader sees the old content or the new one and a power cut loses
+// neither.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace zr {
+
+// Reads a regular file into out. False when it can't be read or is larger than limit bytes; reason then says why and
+// out is empty. Blocks on the disk.
+bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::string& out, std::string& reason);
+
+// Writes a temporary file beside the target (mode 0600), flushes it, renames it over the target and flushes the
+// folder. A target that is a symbolic link stays one: what it points to is replaced. False on failure: the old file is
+// then as before, the temporary one is gone and reason says why. Blocks on the disk.
+bool WriteFileReplacing(const std::filesystem::path& path, std::string_view bytes, std::string& reason);
+
+// Makes a folder with the ones above it, each new one with mode 0700. False when one can't be made; reason says why.
+bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason);
+
+// A path from UTF-16 or UTF-8 text and back, on every platform. Unpaired surrogates become U+FFFD.
+std::filesystem::path PathFromText(std::u16string_view text);
+std::filesystem::path PathFromText(std::string_view utf8);
+std::string TextOfPath(const std::filesystem::path& path);
+
+}  // namespace zr

@@ -1,0 +1,43 @@
+#include "platform/ProcessLock.h"
+
+#include "platform/FileReplace.h"
+
+#include <charconv>
+#include <cstdint>
+#include <cstdio>
+
+namespace zr {
+
+// The first line of a lock file is `PROCESS PROGRAM`.
+void ProcessLock::ReadHolder(const std::string& text)
+{
+    const char* const end = text.data() + text.size();
+    const auto [next, error] = std::from_chars(text.data(), end, m_otherProcess);
+    const std::size_t from = static_cast<std::size_t>(next - text.data()) + 1;
+    if (error != std::errc() || from >= text.size()) {
+        m_otherProcess = 0;
+        m_otherProgram = "another program";
+        return;
+    }
+    m_otherProgram = text.substr(from, text.find('\n', from) - from);
+}
+
+std::filesystem::path LockFileOf(const std::filesystem::path& document, const std::filesystem::path& folder)
+{
+    std::error_code error;
+    std::filesystem::path canonical =
+        std::filesystem::weakly_canonical(std::filesystem::absolute(document, error), error);
+    if (error) {
+        canonical = document;
+    }
+    // FNV-1a, 64 bits.
+    std::uint64_t hash = 14695981039346656037ULL;
+    for (const char character : TextOfPath(canonical)) {
+        hash = (hash ^ static_cast<unsigned char>(character)) * 1099511628211ULL;
+    }
+    char name[32];
+    std::snprintf(name, sizeof name, "%016llx.lock", static_cast<unsigned long long>(hash));
+    return folder / name;
+}
+
+}  // namespace zr

@@ -1,0 +1,171 @@
+#include "platform/FileReplace.h"
+
+#include "platform/posix/FileDescriptor.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <cerrno>
+#include <cstring>
+
+namespace zr {
+namespace {
+
+bool Fail(std::string& reason, const char* what)
+{
+    const int error = errno;
+    reason = std::string(what) + ": " + std::strerror(error);
+    return false;
+}
+
+bool ReadUpTo(int descriptor, std::size_t limit, std::string& out, std::string& reason)
+{
+    std::size_t filled = 0;
+    for (;;) {
+        if (filled == out.size()) {
+            out.resize(filled + 65536);
+        }
+        const ssize_t got = ::read(descriptor, out.data() + filled, out.size() - filled);
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got < 0) {
+            return Fail(reason, "can't be read");
+        }
+        if (got == 0) {
+            out.resize(filled);
+            return true;
+        }
+        filled += static_cast<std::size_t>(got);
+        if (filled > limit) {
+            reason = "larger than " + std::to_string(limit) + " bytes";
+            return false;
+        }
+    }
+}
+
+bool WriteAll(int descriptor, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written < 0) {
+            return false;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+// The file that a chain of symbolic links ends at, which need not exist.
+std::filesystem::path Resolved(const std::filesystem::path& path)
+{
+    std::error_code error;
+    std::filesystem::path resolved = path;
+    for (int hops = 0; hops < 40 && std::filesystem::is_symlink(resolved, error); ++hops) {
+        const std::filesystem::path target = std::filesystem::read_symlink(resolved, error);
+        if (error) {
+            break;
+        }
+        resolved = resolved.parent_path() / target;
+    }
+    return resolved;
+}
+
+bool FlushFolder(const std::filesystem::path& folder, std::string& reason)
+{
+    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Some file systems can't flush a folder and say so by EINVAL; there is nothing more to do there.
+    if (!descriptor.IsOpen() || (::fsync(descriptor.Get()) != 0 && errno != EINVAL)) {
+        return Fail(reason, "the folder can't be flushed");
+    }
+    return true;
+}
+
+bool WriteTemporary(FileDescriptor descriptor, std::string_view bytes, std::string& reason)
+{
+    if (!WriteAll(descriptor.Get(), bytes)) {
+        return Fail(reason, "can't be written");
+    }
+    if (::fsync(descriptor.Get()) != 0) {
+        return Fail(reason, "can't be flushed");
+    }
+    if (!descriptor.Close()) {
+        return Fail(reason, "can't be closed");
+    }
+    return true;
+}
+
+}  // namespace
+
+bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::string& out, std::string& reason)
+{
+    out.clear();
+    // Non-blocking, so that a pipe without a writer is refused instead of waited for.
+    const FileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status = {};
+    if (!descriptor.IsOpen() || ::fstat(descriptor.Get(), &status) != 0) {
+        return Fail(reason, "can't be opened");
+    }
+    if (!S_ISREG(status.st_mode)) {
+        reason = S_ISDIR(status.st_mode) ? "is a folder" : "is not a regular file";
+        return false;
+    }
+    if (static_cast<unsigned long long>(status.st_size) > limit) {
+        reason = "larger than " + std::to_string(limit) + " bytes";
+        return false;
+    }
+    // One byte more than the file holds, so that the read that finds the end needs no growth.
+    out.resize(static_cast<std::size_t>(status.st_size) + 1);
+    if (!ReadUpTo(descriptor.Get(), limit, out, reason)) {
+        out.clear();
+        return false;
+    }
+    return true;
+}
+
+bool WriteFileReplacing(const std::filesystem::path& path, std::string_view bytes, std::string& reason)
+{
+    const std::filesystem::path target = Resolved(path);
+    const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
+    std::string temporary = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
+    // mkostemp makes it with mode 0600.
+    FileDescriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (!descriptor.IsOpen()) {
+        return Fail(reason, "no temporary file can be made beside it");
+    }
+    if (!WriteTemporary(std::move(descriptor), bytes, reason)) {
+        ::unlink(temporary.c_str());
+        return false;
+    }
+    if (::rename(temporary.c_str(), target.c_str()) != 0) {
+        Fail(reason, "can't be replaced");
+        ::unlink(temporary.c_str());
+        return false;
+    }
+    return FlushFolder(folder, reason);
+}
+
+bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
+{
+    std::error_code error;
+    if (folder.empty()) {
+        reason = "the system tells no folder";
+        return false;
+    }
+    if (std::filesystem::is_directory(folder, error)) {
+        return true;
+    }
+    if (folder.has_parent_path() && folder.parent_path() != folder &&
+        !MakePrivateFolder(folder.parent_path(), reason)) {
+        return false;
+    }
+    if (::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
+        return Fail(reason, ("the folder " + folder.string() + " can't be made").c_str());
+    }
+    return true;
+}
+
+}  // namespace zr

@@ -1,0 +1,93 @@
+#include "platform/FileReplace.h"
+
+#include "platform/win32/Handle.h"
+
+#include <windows.h>
+#include <algorithm>
+
+namespace zr {
+namespace {
+
+bool Fail(std::string& reason, const char* what)
+{
+    reason = std::string(what) + ": system error " + std::to_string(::GetLastError());
+    return false;
+}
+
+bool WriteAll(HANDLE file, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        constexpr std::size_t kLargest = 1u << 20;
+        DWORD written = 0;
+        if (!::WriteFile(file, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), kLargest)), &written, nullptr)) {
+            return false;
+        }
+        bytes.remove_prefix(written);
+    }
+    return ::FlushFileBuffers(file) != 0;
+}
+
+}  // namespace
+
+bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::string& out, std::string& reason)
+{
+    out.clear();
+    const Handle file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    LARGE_INTEGER size = {};
+    if (!file.IsOpen() || !::GetFileSizeEx(file.Get(), &size)) {
+        return Fail(reason, "can't be opened");
+    }
+    if (static_cast<unsigned long long>(size.QuadPart) > limit) {
+        reason = "larger than " + std::to_string(limit) + " bytes";
+        return false;
+    }
+    out.resize(static_cast<std::size_t>(size.QuadPart));
+    DWORD got = 0;
+    if (!::ReadFile(file.Get(), out.data(), static_cast<DWORD>(out.size()), &got, nullptr)) {
+        out.clear();
+        return Fail(reason, "can't be read");
+    }
+    out.resize(got);
+    return true;
+}
+
+// Files in the user's folders are private by the access list that they inherit.
+bool WriteFileReplacing(const std::filesystem::path& path, std::string_view bytes, std::string& reason)
+{
+    std::filesystem::path temporary = path;
+    temporary +=
+        L"." + std::to_wstring(::GetCurrentProcessId()) + L"." + std::to_wstring(::GetCurrentThreadId()) + L".tmp";
+    Handle file(
+        ::CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file.IsOpen()) {
+        return Fail(reason, "no temporary file can be made beside it");
+    }
+    const bool isWritten = WriteAll(file.Get(), bytes) || Fail(reason, "can't be written");
+    file.Close();
+    // Write-through stands in for the flush of the folder.
+    const bool isReplaced = isWritten && (::MoveFileExW(temporary.c_str(), path.c_str(),
+                                                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) ||
+                                          Fail(reason, "can't be replaced"));
+    if (!isReplaced) {
+        ::DeleteFileW(temporary.c_str());
+    }
+    return isReplaced;
+}
+
+bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
+{
+    std::error_code error;
+    if (folder.empty()) {
+        reason = "the system tells no folder";
+        return false;
+    }
+    std::filesystem::create_directories(folder, error);
+    if (error) {
+        reason = "the folder " + TextOfPath(folder) + " can't be made: " + error.message();
+        return false;
+    }
+    return true;
+}
+
+}  // namespace zr

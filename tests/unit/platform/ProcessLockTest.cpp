@@ -1,0 +1,84 @@
+#include "platform/ProcessLock.h"
+
+#include "support/Environment.h"
+#include "support/Process.h"
+#include "support/TempFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace {
+
+using Result = zr::ProcessLock::Result;
+
+class ProcessLock : public testing::Test {
+protected:
+    ProcessLock() : m_environment("XDG_RUNTIME_DIR", m_folder.Path().string()) { m_folder.Write("plant.xml", "<a/>"); }
+
+    zr::test::TempFolder m_folder;
+    zr::test::Environment m_environment;
+};
+
+TEST_F(ProcessLock, TellsTheSecondOneWhoHoldsTheDocument)
+{
+    zr::ProcessLock first;
+    zr::ProcessLock second;
+    ASSERT_EQ(first.Take(m_folder / "plant.xml", "kestrixd"), Result::Taken) << first.Reason();
+    EXPECT_EQ(second.Take(m_folder / "plant.xml", "kestrix"), Result::HeldByOther);
+    EXPECT_EQ(second.OtherProcess(), ::getpid());
+    EXPECT_EQ(second.OtherProgram(), "kestrixd");
+}
+
+TEST_F(ProcessLock, KnowsADocumentByAnySpellingOfItsPath)
+{
+    std::filesystem::create_symlink("plant.xml", m_folder / "link.xml");
+    zr::ProcessLock first;
+    zr::ProcessLock second;
+    ASSERT_EQ(first.Take(m_folder / "plant.xml", "kestrixd"), Result::Taken);
+    EXPECT_EQ(second.Take(m_folder / "." / "plant.xml", "kestrix"), Result::HeldByOther);
+    EXPECT_EQ(second.Take(m_folder / "link.xml", "kestrix"), Result::HeldByOther);
+    EXPECT_EQ(second.Take(m_folder / "other.xml", "kestrix"), Result::Taken);
+}
+
+TEST_F(ProcessLock, IsFreeAfterRelease)
+{
+    zr::ProcessLock second;
+    {
+        zr::ProcessLock first;
+        ASSERT_EQ(first.Take(m_folder / "plant.xml", "kestrixd"), Result::Taken);
+        first.Release();
+        EXPECT_EQ(second.Take(m_folder / "plant.xml", "kestrix"), Result::Taken);
+        EXPECT_EQ(first.Take(m_folder / "plant.xml", "kestrixd"), Result::HeldByOther);
+        second.Release();
+        EXPECT_EQ(first.Take(m_folder / "plant.xml", "kestrixd"), Result::Taken);
+    }
+    EXPECT_EQ(second.Take(m_folder / "plant.xml", "kestrix"), Result::Taken);
+}
+
+TEST_F(ProcessLock, WhatADeadProcessLeftIsTakenOver)
+{
+    const std::filesystem::path file = zr::LockFileOf(m_folder / "plant.xml", m_folder / "kestrix");
+    std::filesystem::create_directory(m_folder / "kestrix");
+    std::filesystem::permissions(m_folder / "kestrix", std::filesystem::perms(0700));
+    zr::test::Process holder({"flock", file.string(), "sh", "-c", "echo held; exec cat"});
+    ASSERT_TRUE(holder.ReadLineWith("held")) << holder.Errors();
+    zr::ProcessLock lock;
+    EXPECT_EQ(lock.Take(m_folder / "plant.xml", "kestrix"), Result::HeldByOther);
+    EXPECT_EQ(lock.OtherProgram(), "another program");
+    // Ends cat, and with it the last one that has the lock.
+    holder.CloseInput();
+    ASSERT_TRUE(holder.WaitForExit());
+    EXPECT_EQ(lock.Take(m_folder / "plant.xml", "kestrix"), Result::Taken);
+}
+
+TEST_F(ProcessLock, RefusesAFolderThatIsOpenToOthers)
+{
+    std::filesystem::create_directory(m_folder / "kestrix");
+    std::filesystem::permissions(m_folder / "kestrix", std::filesystem::perms(0777));
+    zr::ProcessLock lock;
+    EXPECT_EQ(lock.Take(m_folder / "plant.xml", "kestrix"), Result::Failed);
+    EXPECT_THAT(lock.Reason(), testing::HasSubstr("open to others"));
+}
+
+}  // namespace

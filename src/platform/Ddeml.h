@@ -17,6 +17,8 @@
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
 #endif
+#include <cstddef>
+
 // clang-format off
 #include <windows.h>
 #include <ddeml.h>
@@ -30,6 +32,11 @@ inline HSZ DdeCreateStringHandleW(DWORD instance, const char16_t* text, int code
 inline DWORD DdeQueryStringW(DWORD instance, HSZ string, char16_t* buffer, DWORD limit, int codePage)
 {
     return DdeQueryStringW(instance, string, reinterpret_cast<wchar_t*>(buffer), limit, codePage);
+}
+// For the length alone, with a plain nullptr.
+inline DWORD DdeQueryStringW(DWORD instance, HSZ string, std::nullptr_t, DWORD limit, int codePage)
+{
+    return DdeQueryStringW(instance, string, static_cast<wchar_t*>(nullptr), limit, codePage);
 }
 inline UINT RegisterClipboardFormatW(const char16_t* name)
 {
@@ -107,7 +114,8 @@ inline constexpr UINT XTYP_CONNECT_CONFIRM = 0x8072;
 inline constexpr UINT XTYP_XACT_COMPLETE = 0x8080;
 // Server: data for an item. format, conversation, hsz1 topic, hsz2 item, data. Flags.
 inline constexpr UINT XTYP_POKE = 0x4090;
-// All but the registering instance: a service was registered. hsz1 name, hsz2 the name of this one instance of it.
+// All instances of the user, the registering one too: a service was registered. hsz1 name, hsz2 the name of this one
+// server of it.
 inline constexpr UINT XTYP_REGISTER = 0x80A2;
 // Server: data of an item once. format, conversation, hsz1 topic, hsz2 item.
 inline constexpr UINT XTYP_REQUEST = 0x20B0;
@@ -227,8 +235,8 @@ BOOL DdePostAdvise(DWORD instance, HSZ topic, HSZ item);
 // waits. 0 on failure (DMLERR_INVALIDPARAMETER, DMLERR_REENTRANCY within a callback).
 BOOL DdeEnableCallback(DWORD instance, HCONV conversation, UINT command);
 
-// Copies size bytes from source, to stand at offset (zeros before it). flags 0: given over with a reply or a
-// transaction; HDATA_APPOWNED: freed by the caller alone. Null on failure (DMLERR_MEMORY_ERROR above 1 MiB).
+// Copies size bytes that begin at offset in source (null: zeros). flags 0: given over with a reply or a transaction;
+// HDATA_APPOWNED: freed by the caller alone. Null on failure (DMLERR_MEMORY_ERROR above 1 MiB).
 HDDEDATA DdeCreateDataHandle(DWORD instance, BYTE* source, DWORD size, DWORD offset, HSZ item, UINT format, UINT flags);
 // The bytes, valid until DdeUnaccessData or the end of the handle. Null when the handle is unknown. size may be null.
 BYTE* DdeAccessData(HDDEDATA data, DWORD* size);

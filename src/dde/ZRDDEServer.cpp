@@ -6,6 +6,13 @@
 
 #include <algorithm>
 
+namespace {
+
+// A format has 16 bits. Some systems carry the sign of a registered one into the upper half.
+constexpr UINT kFormatMask = 0xFFFF;
+
+}  // namespace
+
 ZRDDEServer* ZRDDEServer::server = nullptr;
 
 ZRDDEServer::ZRDDEServer()
@@ -72,6 +79,7 @@ HDDEDATA CALLBACK ZRDDEServer::CallBack(UINT type, UINT format, HCONV conversati
     if (server == nullptr) {
         return nullptr;
     }
+    format &= kFormatMask;
     switch (type) {
         case XTYP_ADVSTART:
             return zr::ddeml::Reply(server->AdviseStart(format, conversation, hsz1, hsz2) ? 1 : 0);

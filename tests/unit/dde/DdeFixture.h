@@ -195,8 +195,16 @@ protected:
     static std::uint64_t PostsOfUpdate() { return PostsOf(&ZRDDEValues::UpdateValues); }
 
 #ifndef _WIN32
+    // One folder of servers for the program: DDE opens it once a thread.
+    static bool UseOwnRuntimeFolder()
+    {
+        static const TempFolder folder;
+        static const Environment runtime("XDG_RUNTIME_DIR", folder.Path().string());
+        return true;
+    }
+
+    const bool m_isIsolated = UseOwnRuntimeFolder();
     TempFolder m_folder;
-    Environment m_runtime{"XDG_RUNTIME_DIR", m_folder.Path().string()};
     Environment m_config{"XDG_CONFIG_HOME", m_folder.Path().string()};
 #endif
 

@@ -1,6 +1,6 @@
 // The registry value that says how numbers are published as text, read at each start of a server.
 #include "DdeFixture.h"
-#include "platform/Registry.h"
+#include "NumberFormatValue.h"
 #include "siblings/support/ZRKestrixSetup.h"
 
 namespace zr::test {
@@ -9,18 +9,12 @@ namespace {
 class NumberFormatSettingTest : public DdeFixture {
 protected:
     void SetUp() override {}  // the tests start the server themselves
-    void TearDown() override { RegDeleteForTest(); }
+    // Any word but 0 is the default.
+    void TearDown() override { Write(RegistryType::Word, {1, 0, 0, 0}); }
 
-    void Write(std::uint32_t type, const Bytes& bytes)
+    void Write(RegistryType type, const Bytes& bytes)
     {
-        zr::HKEY key = nullptr;
-        ASSERT_EQ(zr::RegCreateKeyExW(zr::HKEY_LOCAL_MACHINE, m_setup.registryKey.CStr(), 0, nullptr, 0,
-                                      zr::KEY_SET_VALUE, nullptr, &key, nullptr),
-                  zr::ERROR_SUCCESS);
-        EXPECT_EQ(zr::RegSetValueExW(key, u"DDE_UseLocalNumberFormat", 0, type, bytes.data(),
-                                     static_cast<std::uint32_t>(bytes.size())),
-                  zr::ERROR_SUCCESS);
-        zr::RegCloseKey(key);
+        EXPECT_TRUE(WriteNumberFormatValue(m_setup.registryKey, type, bytes));
     }
     bool UsesLocalAfterStart()
     {
@@ -31,9 +25,6 @@ protected:
     }
 
 private:
-    // Any word but 0 is the default.
-    void RegDeleteForTest() { Write(zr::REG_DWORD, {1, 0, 0, 0}); }
-
     ZRKestrixSetup m_setup;
 };
 
@@ -44,28 +35,39 @@ TEST_F(NumberFormatSettingTest, WithoutTheValueTheUsersFormatIsUsed)
 
 TEST_F(NumberFormatSettingTest, ZeroTurnsItOffAndAnyOtherWordOn)
 {
-    Write(zr::REG_DWORD, {0, 0, 0, 0});
+    Write(RegistryType::Word, {0, 0, 0, 0});
     EXPECT_FALSE(UsesLocalAfterStart());
-    Write(zr::REG_DWORD, {0, 0, 0, 0x80});
+    Write(RegistryType::Word, {0, 0, 0, 0x80});
     EXPECT_TRUE(UsesLocalAfterStart());
-    Write(zr::REG_DWORD, {1, 0, 0, 0});
+    Write(RegistryType::Word, {1, 0, 0, 0});
     EXPECT_TRUE(UsesLocalAfterStart());
 }
 
 TEST_F(NumberFormatSettingTest, TheTypeOfTheValueIsNotLookedAt)
 {
-    Write(zr::REG_BINARY, {0, 0, 0, 0});
+    Write(RegistryType::Binary, {0, 0, 0, 0});
     EXPECT_FALSE(UsesLocalAfterStart());
-    Write(zr::REG_BINARY, {0, 1});
+    Write(RegistryType::Binary, {0, 1});
     EXPECT_TRUE(UsesLocalAfterStart());
-    Write(zr::REG_BINARY, {0});
+    Write(RegistryType::Binary, {0});
     EXPECT_FALSE(UsesLocalAfterStart());
 }
 
 TEST_F(NumberFormatSettingTest, AValueThatCantBeReadLeavesTheUsersFormat)
 {
-    Write(zr::REG_BINARY, {0, 0, 0, 0, 0});  // longer than the word
+    Write(RegistryType::Binary, {0, 0, 0, 0, 0});  // longer than the word
     EXPECT_TRUE(UsesLocalAfterStart());
+}
+
+TEST_F(NumberFormatSettingTest, WithTheValueAtZeroTheTextHasSixDigitsAndAPointWhateverTheDecimals)
+{
+    Write(RegistryType::Word, {0, 0, 0, 0});
+    ASSERT_TRUE(server.Start());
+    meter[U1].WriteNumber(12.5);
+    ZRDDEValues::ZRTopicItem item;
+    ASSERT_TRUE(item.Setup(Handle(kDevice), Handle(u"U1")));
+    EXPECT_EQ(item.decimals, 2);
+    EXPECT_EQ(TakeBytes(item.CreateData(CF_TEXT)), (Bytes{0x31, 0x00, 0x32, 0x00, 0x2E, 0x00}));
 }
 
 }  // namespace

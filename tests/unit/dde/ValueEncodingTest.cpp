@@ -30,7 +30,8 @@ TEST(ValueEncodingTest, TheTableFormIsATableOfOneNumber)
 
 TEST(ValueEncodingTest, NaNAndInfinityTravelUnchangedInTheTableForm)
 {
-    EXPECT_EQ(Bytes(Table(kInfinity).begin() + 12, Table(kInfinity).end()), (Bytes{0, 0, 0, 0, 0, 0, 0xF0, 0x7F}));
+    const Bytes infinite = Table(kInfinity);
+    EXPECT_EQ(Bytes(infinite.begin() + 12, infinite.end()), (Bytes{0, 0, 0, 0, 0, 0, 0xF0, 0x7F}));
     EXPECT_EQ(DecodeXlTable(EncodeXlTable(-kInfinity)), -kInfinity);
     EXPECT_TRUE(std::isnan(DecodeXlTable(EncodeXlTable(kNaN)).value()));
 }

@@ -5,7 +5,16 @@
 
 #include <new>
 
+namespace {
+
+// How far ahead of the item in hand the memory of the next ones is asked for.
+constexpr std::size_t kPrefetchDistance = 12;
+
+}  // namespace
+
 ZRDDEValues::ItemMap ZRDDEValues::allItems;
+std::vector<ZRDDEValues::ZRTopicItem*> ZRDDEValues::watchList;
+bool ZRDDEValues::isWatchListCurrent = false;
 std::size_t ZRDDEValues::linkCount = 0;
 
 ZRDDEValues::ZRDDEValues(HCONV handle, HSZ) : ZRDDEConversation(handle) {}
@@ -69,6 +78,7 @@ std::shared_ptr<ZRDDEValues::ZRTopicItem> ZRDDEValues::NewItem(Key key)
     if (!created->Setup(key.first, key.second)) {
         return nullptr;
     }
+    isWatchListCurrent = false;
     allItems.try_emplace(key, created);  // an entry that is there stays, and the new item is private: meant
     ++created->references;
     return created;
@@ -86,6 +96,7 @@ void ZRDDEValues::DeleteItem(Key key)
     --watched.references;
     if (watched.references < 1) {
         watched.End();
+        isWatchListCurrent = false;
         allItems.erase(found);
     }
 }
@@ -93,7 +104,18 @@ void ZRDDEValues::DeleteItem(Key key)
 // A post calls back for the data of its links and for nothing else, so no item comes or goes meanwhile.
 void ZRDDEValues::UpdateValues()
 {
-    for (const auto& [key, watched] : allItems) {
-        watched->Update();
+    if (!isWatchListCurrent) {
+        watchList.clear();
+        for (const auto& [key, watched] : allItems) {
+            watchList.push_back(watched.get());
+        }
+        isWatchListCurrent = true;
+    }
+    const std::size_t count = watchList.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i + kPrefetchDistance < count) {
+            watchList[i + kPrefetchDistance]->Prefetch();
+        }
+        watchList[i]->Update();
     }
 }

@@ -30,6 +30,15 @@ bool ZRDDEValues::ZRTopicItem::Setup(HSZ topicHandle, HSZ itemHandle)
     return true;
 }
 
+void ZRDDEValues::ZRTopicItem::Prefetch() const
+{
+    constexpr std::size_t kCacheLine = 64;
+    const auto* const memory = reinterpret_cast<const char*>(this);
+    for (std::size_t offset = 0; offset < sizeof(*this); offset += kCacheLine) {
+        __builtin_prefetch(memory + offset);
+    }
+}
+
 void ZRDDEValues::ZRTopicItem::Update()
 {
     tagSVariableValue fresh;

@@ -46,10 +46,12 @@ public:
     {
         const Value harmless = fallback.value_or(choices.begin()->value);
         const auto text = Take(name, fallback.has_value());
-        if (!text) return harmless;
+        if (!text)
+            return harmless;
         std::string words;
         for (const Choice<Value>& choice : choices) {
-            if (*text == choice.text) return choice.value;
+            if (*text == choice.text)
+                return choice.value;
             words += (words.empty() ? "" : ", ") + std::string(choice.text);
         }
         Fail(name, "\"" + Shown(*text) + "\" is not one of: " + words);

@@ -44,8 +44,7 @@ std::shared_ptr<const DeviceProfile> DeviceProfile::LoadText(std::string_view by
 }
 
 DeviceProfile::DeviceProfile(Content content)
-    : m_content(std::move(content)),
-      m_table(std::make_shared<const VariableTable>(std::move(m_content.variables)))
+    : m_content(std::move(content)), m_table(std::make_shared<const VariableTable>(std::move(m_content.variables)))
 {
     m_content.variables.clear();
     std::vector<ReadItem> items;
@@ -56,7 +55,8 @@ DeviceProfile::DeviceProfile(Content content)
     m_plan = PlanReads(items, m_content.limits);
     m_readOf.resize(items.size());
     for (std::size_t read = 0; read < m_plan.size(); ++read) {
-        for (const std::size_t variable : m_plan[read].items) m_readOf[variable] = read;
+        for (const std::size_t variable : m_plan[read].items)
+            m_readOf[variable] = read;
     }
 }
 

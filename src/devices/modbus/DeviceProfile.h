@@ -16,7 +16,8 @@
 
 namespace zr::modbus {
 
-// Immutable and shared by all devices of the type. Any thread. The file format is told in docs/formats/device-profile.md.
+// Immutable and shared by all devices of the type. Any thread. The file format is told in
+// docs/formats/device-profile.md.
 class DeviceProfile {
 public:
     static constexpr std::size_t kMaxVariables = 2000;

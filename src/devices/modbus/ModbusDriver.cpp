@@ -2,7 +2,6 @@
 
 #include "devices/modbus/CheckedNode.h"
 #include "platform/Clock.h"
-#include "siblings/driversupport/DeviceWarning.h"
 #include "siblings/tools/Utf.h"
 
 #include <fmt/format.h>
@@ -21,26 +20,26 @@ constexpr std::size_t kMaxDescription = 200;
 const char* ExceptionText(Exception exception)
 {
     switch (exception) {
-    case Exception::None:
-        break;
-    case Exception::IllegalFunction:
-        return "illegal function";
-    case Exception::IllegalDataAddress:
-        return "illegal data address";
-    case Exception::IllegalDataValue:
-        return "illegal data value";
-    case Exception::ServerDeviceFailure:
-        return "device failure";
-    case Exception::Acknowledge:
-        return "still at work";
-    case Exception::ServerDeviceBusy:
-        return "device busy";
-    case Exception::MemoryParityError:
-        return "memory parity error";
-    case Exception::GatewayPathUnavailable:
-        return "gateway has no path";
-    case Exception::GatewayTargetFailedToRespond:
-        return "device behind the gateway is silent";
+        case Exception::None:
+            break;
+        case Exception::IllegalFunction:
+            return "illegal function";
+        case Exception::IllegalDataAddress:
+            return "illegal data address";
+        case Exception::IllegalDataValue:
+            return "illegal data value";
+        case Exception::ServerDeviceFailure:
+            return "device failure";
+        case Exception::Acknowledge:
+            return "still at work";
+        case Exception::ServerDeviceBusy:
+            return "device busy";
+        case Exception::MemoryParityError:
+            return "memory parity error";
+        case Exception::GatewayPathUnavailable:
+            return "gateway has no path";
+        case Exception::GatewayTargetFailedToRespond:
+            return "device behind the gateway is silent";
     }
     return "unknown exception";
 }
@@ -67,7 +66,8 @@ bool ModbusDriver::LoadCfg(const XmlNode& xml)
     const double period = node.Number("Period", 0.0, kMaxPeriod, defaultPeriod);
     ZRBasicString description = node.Text("Description", kMaxDescription, m_profile->Description());
     m_loadError = Utf8ToUtf16(node.Error());
-    if (!node.Error().empty()) return false;
+    if (!node.Error().empty())
+        return false;
     m_unit = static_cast<std::uint8_t>(unit);
     const auto milliseconds = std::chrono::milliseconds(std::llround(period * 1000.0));
     // Only 0 asks for continuous polling, not what is rounded to it.
@@ -92,9 +92,12 @@ void ModbusDriver::BeginCycle()
 
 ZRDeviceTransaction* ModbusDriver::NextTransaction()
 {
-    if (ZRDeviceTransaction* output = NextOutput()) return output;
-    if (m_readBack) return PrepareRead(*std::exchange(m_readBack, std::nullopt));
-    if (m_next >= m_profile->Plan().size()) return nullptr;
+    if (ZRDeviceTransaction* output = NextOutput())
+        return output;
+    if (m_readBack)
+        return PrepareRead(*std::exchange(m_readBack, std::nullopt));
+    if (m_next >= m_profile->Plan().size())
+        return nullptr;
     return PrepareRead(m_next++);
 }
 
@@ -138,31 +141,35 @@ bool ModbusDriver::PrepareOutput(const OutputQueue::Output& output)
 {
     const VariableLayout& layout = m_profile->Layout(output.variable);
     std::array<std::uint8_t, 8> data{};
-    if (!layout.write || !EncodeNumber(layout, output.value, data, 0)) return false;
+    if (!layout.write || !EncodeNumber(layout, output.value, data, 0))
+        return false;
     const std::size_t size = DataBytes(*layout.write, layout.count);
     switch (*layout.write) {
-    case Function::WriteSingleCoil:
-        return m_transaction.Prepare(WriteSingleCoil(m_unit, layout.writeFirst, output.value != 0.0));
-    case Function::WriteSingleRegister:
-        return m_transaction.Prepare(WriteSingleRegister(m_unit, layout.writeFirst, RegisterAt(data, 0)));
-    case Function::WriteMultipleCoils:
-        return m_transaction.Prepare(
-            WriteMultipleCoils(m_unit, layout.writeFirst, layout.count, std::span(data).first(size)));
-    default:
-        return m_transaction.Prepare(
-            WriteMultipleRegisters(m_unit, layout.writeFirst, std::span(data).first(size)));
+        case Function::WriteSingleCoil:
+            return m_transaction.Prepare(WriteSingleCoil(m_unit, layout.writeFirst, output.value != 0.0));
+        case Function::WriteSingleRegister:
+            return m_transaction.Prepare(WriteSingleRegister(m_unit, layout.writeFirst, RegisterAt(data, 0)));
+        case Function::WriteMultipleCoils:
+            return m_transaction.Prepare(
+                WriteMultipleCoils(m_unit, layout.writeFirst, layout.count, std::span(data).first(size)));
+        default:
+            return m_transaction.Prepare(
+                WriteMultipleRegisters(m_unit, layout.writeFirst, std::span(data).first(size)));
     }
 }
 
 void ModbusDriver::TransactionDone(ZRDeviceTransaction&)
 {
-    if (const auto output = std::exchange(m_switching, std::nullopt)) OutputDone(*output);
-    if (const auto read = std::exchange(m_reading, std::nullopt)) ReadDone(*read);
+    if (const auto output = std::exchange(m_switching, std::nullopt))
+        OutputDone(*output);
+    if (const auto read = std::exchange(m_reading, std::nullopt))
+        ReadDone(*read);
 }
 
 void ModbusDriver::ReadDone(std::size_t read)
 {
-    if (m_transaction.outcome != ZRDeviceTransaction::Outcome::Replied) return;
+    if (m_transaction.outcome != ZRDeviceTransaction::Outcome::Replied)
+        return;
     const Reply reply = m_transaction.ReadReply();
     if (reply.exception != Exception::None) {
         Refused(read, reply.exception);
@@ -195,22 +202,26 @@ void ModbusDriver::WriteValue(std::size_t variable, std::span<const std::uint8_t
 void ModbusDriver::Refused(std::size_t read, Exception exception)
 {
     const PlannedRead& planned = m_profile->Plan()[read];
-    for (const std::size_t variable : planned.items) Store()->At(variable).Invalidate();
-    if (m_refused[read]) return;
+    for (const std::size_t variable : planned.items)
+        Store()->At(variable).Invalidate();
+    if (m_refused[read])
+        return;
     m_refused[read] = true;
-    const std::string info = fmt::format(
-        "function {}, {} {} to {}: exception {}, {}", static_cast<int>(planned.function),
-        IsBitFunction(planned.function) ? "bits" : "registers", planned.first, planned.first + planned.count - 1,
-        static_cast<int>(exception), ExceptionText(exception));
+    const std::string info =
+        fmt::format("function {}, {} {} to {}: exception {}, {}", static_cast<int>(planned.function),
+                    IsBitFunction(planned.function) ? "bits" : "registers", planned.first,
+                    planned.first + planned.count - 1, static_cast<int>(exception), ExceptionText(exception));
     PostNotice(DeviceWarning::DeviceRefusesRequest, name, Utf8ToUtf16(info), Utf8ToUtf16("(" + info + ")"));
 }
 
 bool ModbusDriver::SetOutput(VariableHandle handle, double value)
 {
     std::size_t variable = 0;
-    if (!AcceptsOutput(handle, value) || !VariableIndex(handle, variable)) return false;
+    if (!AcceptsOutput(handle, value) || !VariableIndex(handle, variable))
+        return false;
     std::array<std::uint8_t, 8> room{};
-    if (!EncodeNumber(m_profile->Layout(variable), value, room, 0)) return false;
+    if (!EncodeNumber(m_profile->Layout(variable), value, room, 0))
+        return false;
     m_outputs.Put({variable, value, CurrentClock().Steady()});
     AskForService();
     return true;

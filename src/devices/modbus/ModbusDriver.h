@@ -4,6 +4,7 @@
 #include "devices/modbus/DeviceProfile.h"
 #include "devices/modbus/ModbusTransaction.h"
 #include "devices/modbus/OutputQueue.h"
+#include "siblings/driversupport/DeviceWarning.h"
 #include "siblings/driversupport/ZRDeviceDriver.h"
 
 #include <chrono>
@@ -79,11 +80,11 @@ private:
 
     // I/O thread only.
     ModbusTransaction m_transaction;
-    std::size_t m_next = 0;                             // of the plan, in the present cycle
-    std::optional<std::size_t> m_reading;               // request of the plan under way
-    std::optional<OutputQueue::Output> m_switching;     // output under way
-    std::optional<std::size_t> m_readBack;              // request that reads an output just set
-    std::vector<bool> m_refused;                        // by request of the plan: already posted
+    std::size_t m_next = 0;                          // of the plan, in the present cycle
+    std::optional<std::size_t> m_reading;            // request of the plan under way
+    std::optional<OutputQueue::Output> m_switching;  // output under way
+    std::optional<std::size_t> m_readBack;           // request that reads an output just set
+    std::vector<bool> m_refused;                     // by request of the plan: already posted
 };
 
 }  // namespace zr::modbus

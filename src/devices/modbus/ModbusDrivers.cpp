@@ -23,7 +23,8 @@ ZRDeviceDriver* NewModbusDriver(const ZRBasicString& type)
 void AddImage(const ZRBasicString& image)
 {
     auto& images = ZRDeviceDriver::DriverImages();
-    if (std::find(images.begin(), images.end(), image) == images.end()) images.push_back(image);
+    if (std::find(images.begin(), images.end(), image) == images.end())
+        images.push_back(image);
 }
 
 }  // namespace
@@ -33,7 +34,8 @@ void RegisterDrivers(const std::filesystem::path& profileFolder, std::vector<std
     ProfileCatalogue catalogue;
     catalogue.Load(profileFolder, errors);
     Catalogue() = std::move(catalogue);
-    for (const auto& [type, profile] : Catalogue().Profiles()) AddImage(profile->Image());
+    for (const auto& [type, profile] : Catalogue().Profiles())
+        AddImage(profile->Image());
     // A second one does no harm: both ask the present catalogue.
     ZRDeviceDriver::AddFactory(NewModbusDriver);
 }

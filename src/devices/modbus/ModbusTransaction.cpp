@@ -14,10 +14,11 @@ std::uint16_t NextIdentifier()
 
 }  // namespace
 
-bool ModbusTransaction::Prepare(const Request& asked)
+bool ModbusTransaction::Prepare(const modbus::Request& asked)
 {
     m_asked = asked;
-    if (m_framing == Framing::Tcp) m_asked.transaction = NextIdentifier();
+    if (m_framing == Framing::Tcp)
+        m_asked.transaction = NextIdentifier();
     requestSize = EncodeRequest(m_framing, m_asked, request);
     m_asked.data = {};
     unit = asked.unit;

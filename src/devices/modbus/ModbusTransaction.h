@@ -15,16 +15,16 @@ public:
 
     // Makes the frame and forgets the reply of the last request. False if the request breaks a rule of the protocol.
     // The data of the request are copied into the frame and not needed afterwards.
-    bool Prepare(const Request& asked);
+    bool Prepare(const modbus::Request& asked);
 
     [[nodiscard]] Verdict Examine(std::span<const std::uint8_t> received) const override;
-    [[nodiscard]] const Request& Asked() const { return m_asked; }
+    [[nodiscard]] const modbus::Request& Asked() const { return m_asked; }
     // Of a transaction that ended as Replied.
-    [[nodiscard]] Reply ReadReply() const { return modbus::ReadReply(m_framing, ZRDeviceTransaction::Reply()); }
+    [[nodiscard]] modbus::Reply ReadReply() const { return modbus::ReadReply(m_framing, Reply()); }
 
 private:
     Framing m_framing;
-    Request m_asked;
+    modbus::Request m_asked;
 };
 
 }  // namespace zr::modbus

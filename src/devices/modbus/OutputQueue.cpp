@@ -19,7 +19,8 @@ void OutputQueue::Put(const Output& output)
 std::optional<OutputQueue::Output> OutputQueue::Take()
 {
     const std::lock_guard lock(m_guard);
-    if (m_outputs.empty()) return std::nullopt;
+    if (m_outputs.empty())
+        return std::nullopt;
     const Output output = m_outputs.front();
     m_outputs.pop_front();
     return output;
@@ -30,7 +31,8 @@ std::vector<OutputQueue::Output> OutputQueue::TakeOlderThan(std::chrono::steady_
     std::vector<Output> old;
     const std::lock_guard lock(m_guard);
     std::erase_if(m_outputs, [&](const Output& output) {
-        if (output.asked >= instant) return false;
+        if (output.asked >= instant)
+            return false;
         old.push_back(output);
         return true;
     });

@@ -15,7 +15,8 @@ std::vector<std::filesystem::path> ProfileFiles(const std::filesystem::path& fol
     std::vector<std::filesystem::path> files;
     std::filesystem::directory_iterator entry(folder, failure);
     while (!failure && entry != std::filesystem::directory_iterator()) {
-        if (entry->path().extension() == ".xml") files.push_back(entry->path());
+        if (entry->path().extension() == ".xml")
+            files.push_back(entry->path());
         entry.increment(failure);
     }
     std::sort(files.begin(), files.end());
@@ -28,7 +29,8 @@ void ProfileCatalogue::Load(const std::filesystem::path& folder, std::vector<std
 {
     std::error_code failure;
     const auto files = ProfileFiles(folder, failure);
-    if (failure) errors.push_back(fmt::format("{}: {}", folder.string(), failure.message()));
+    if (failure)
+        errors.push_back(fmt::format("{}: {}", folder.string(), failure.message()));
     for (const std::filesystem::path& file : files) {
         std::string error;
         const auto profile = DeviceProfile::Load(file, error);

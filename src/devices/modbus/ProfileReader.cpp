@@ -13,7 +13,7 @@ namespace zr::modbus {
 namespace {
 
 constexpr int kVersion = 1;
-constexpr std::size_t kMaxText = 200;      // characters of a description or a name of a value
+constexpr std::size_t kMaxText = 200;  // characters of a description or a name of a value
 constexpr std::size_t kMaxNamedValues = 64;
 constexpr int kMaxExponent = 12;
 constexpr int kMaxDecimals = 9;
@@ -22,11 +22,13 @@ constexpr int kUnitCodes = 256;                  // codes looked through for a s
 
 std::optional<std::int32_t> UnitOfSymbol(const ZRBasicString& symbol)
 {
-    if (symbol.IsEmpty()) return 0;
+    if (symbol.IsEmpty())
+        return 0;
     ZRBasicString text;
     for (std::int32_t code = 1; code < kUnitCodes; ++code) {
         MeasureUnitsText(text, code, 0);
-        if (text == symbol) return code;
+        if (text == symbol)
+            return code;
     }
     return std::nullopt;
 }
@@ -39,7 +41,8 @@ bool TakesNumbers(DataType type)
 DataType ReadType(CheckedNode& node, bool bits)
 {
     using enum DataType;
-    if (bits) return node.OneOf<DataType>("type", {{"bit", Bit}}, Bit);
+    if (bits)
+        return node.OneOf<DataType>("type", {{"bit", Bit}}, Bit);
     return node.OneOf<DataType>("type", {{"u16", U16},
                                          {"i16", I16},
                                          {"u32", U32},
@@ -68,14 +71,16 @@ VariableClass ReadClass(CheckedNode& node, bool numbers)
 
 std::optional<DeviceProfile::Content> ProfileReader::Read(const XmlNode& root)
 {
-    if (!ReadHead(root)) return std::nullopt;
+    if (!ReadHead(root))
+        return std::nullopt;
     std::unordered_set<ZRBasicString> names;
     for (const XmlNode* child : root.children) {
         if (m_content.variables.size() == DeviceProfile::kMaxVariables) {
             Refuse(*child, fmt::format("more than {} variables", DeviceProfile::kMaxVariables));
             return std::nullopt;
         }
-        if (!ReadVariable(*child)) return std::nullopt;
+        if (!ReadVariable(*child))
+            return std::nullopt;
         const ZRBasicString& name = m_content.variables.back().name;
         if (!names.insert(name).second) {
             Refuse(*child, fmt::format("variable \"{}\": name: used before", Utf16ToUtf8(name)));
@@ -91,14 +96,14 @@ std::optional<DeviceProfile::Content> ProfileReader::Read(const XmlNode& root)
 
 bool ProfileReader::ReadHead(const XmlNode& root)
 {
-    if (root.tag != u"deviceProfile") return Refuse(root, "the root is not \"deviceProfile\"");
+    if (root.tag != u"deviceProfile")
+        return Refuse(root, "the root is not \"deviceProfile\"");
     CheckedNode node(root);
     node.Integer("version", kVersion, kVersion);
     m_content.type = node.Id("type");
     m_content.description = node.Text("description", kMaxText);
     m_content.image = node.Text("image", 64, ZRBasicString(u"device"));
-    m_content.framing =
-        node.OneOf<Framing>("framing", {{"rtu", Framing::Rtu}, {"tcp", Framing::Tcp}}, Framing::Rtu);
+    m_content.framing = node.OneOf<Framing>("framing", {{"rtu", Framing::Rtu}, {"tcp", Framing::Tcp}}, Framing::Rtu);
     m_content.period = std::chrono::milliseconds(node.Integer("period", 0, kMaxPeriod, 1000));
     ReadLimits& limits = m_content.limits;
     limits.gapRegisters = static_cast<std::uint16_t>(node.Integer("gapRegisters", 0, kMaxReadRegisters - 1, 0));
@@ -106,7 +111,8 @@ bool ProfileReader::ReadHead(const XmlNode& root)
     limits.maxRegisters =
         static_cast<std::uint16_t>(node.Integer("maxRegisters", 1, kMaxReadRegisters, kMaxReadRegisters));
     limits.maxBits = static_cast<std::uint16_t>(node.Integer("maxBits", 1, kMaxReadBits, kMaxReadBits));
-    if (node.Has("filter")) m_content.defaultFilter = node.Id("filter");
+    if (node.Has("filter"))
+        m_content.defaultFilter = node.Id("filter");
     node.AllowOnly({"version", "type", "description", "image", "framing", "period", "gapRegisters", "gapBits",
                     "maxRegisters", "maxBits", "filter"});
     return Passed(root, node, "");
@@ -115,15 +121,16 @@ bool ProfileReader::ReadHead(const XmlNode& root)
 bool ProfileReader::ReadVariable(const XmlNode& xml)
 {
     if (xml.tag != u"variable") {
-        return Refuse(xml, fmt::format("\"{}\" is not known here, only \"variable\"",
-                                       CheckedNode::Shown(Utf16ToUtf8(xml.tag))));
+        return Refuse(
+            xml, fmt::format("\"{}\" is not known here, only \"variable\"", CheckedNode::Shown(Utf16ToUtf8(xml.tag))));
     }
     CheckedNode node(xml);
     VariableLayout layout;
     VariableDescription variable;
     variable.name = node.Id("name");
     // The publication looks names up in upper case.
-    if (variable.name != ToUpperCase(variable.name)) node.Fail("name", "must be in upper case");
+    if (variable.name != ToUpperCase(variable.name))
+        node.Fail("name", "must be in upper case");
     variable.description = node.Text("description", kMaxText);
     ReadPlace(node, layout);
     ReadWrite(node, layout);
@@ -131,15 +138,19 @@ bool ProfileReader::ReadVariable(const XmlNode& xml)
     ReadScale(node, layout, variable);
     variable.variableClass = ReadClass(node, TakesNumbers(layout.type));
     variable.splittable = node.Flag("splittable", false);
-    if (layout.type == DataType::Text) node.Forbid("splittable", "a text can't be split");
-    if (node.Error().empty() && !ReadNamedValues(xml, layout, variable)) return false;
+    if (layout.type == DataType::Text)
+        node.Forbid("splittable", "a text can't be split");
+    if (node.Error().empty() && !ReadNamedValues(xml, layout, variable))
+        return false;
     ReadRange(node, layout, variable);
-    node.AllowOnly({"name", "description", "function", "register", "type", "length", "words", "bit", "write",
-                    "writeRegister", "registerExponent", "valueExponent", "decimals", "unit", "unitsExponent",
-                    "unitsDecimals", "class", "splittable", "minimum", "maximum"});
+    node.AllowOnly(
+        {"name",          "description",   "function",      "register",         "type",          "length",   "words",
+         "bit",           "write",         "writeRegister", "registerExponent", "valueExponent", "decimals", "unit",
+         "unitsExponent", "unitsDecimals", "class",         "splittable",       "minimum",       "maximum"});
     const std::string what =
         variable.name.IsEmpty() ? "variable: " : fmt::format("variable \"{}\": ", Utf16ToUtf8(variable.name));
-    if (!Passed(xml, node, what)) return false;
+    if (!Passed(xml, node, what))
+        return false;
     m_content.variables.push_back(std::move(variable));
     m_content.layouts.push_back(layout);
     return true;
@@ -168,10 +179,11 @@ void ProfileReader::ReadPlace(CheckedNode& node, VariableLayout& layout)
     } else {
         node.Forbid("bit", "only a bit of a register has one");
     }
-    if (std::uint32_t{layout.first} + layout.count > 0x10000) node.Fail("register", "reaches beyond 65535");
+    if (std::uint32_t{layout.first} + layout.count > 0x10000)
+        node.Fail("register", "reaches beyond 65535");
     if (!bits && layout.count > m_content.limits.maxRegisters) {
-        node.Fail("type", fmt::format("{} registers, and a request may read {}", layout.count,
-                                      m_content.limits.maxRegisters));
+        node.Fail("type",
+                  fmt::format("{} registers, and a request may read {}", layout.count, m_content.limits.maxRegisters));
     }
 }
 
@@ -187,7 +199,8 @@ void ProfileReader::ReadWrite(CheckedNode& node, VariableLayout& layout)
                                                   {"16", Function::WriteMultipleRegisters}});
     layout.writeFirst = static_cast<std::uint16_t>(node.Integer("writeRegister", 0, 0xFFFF, layout.first));
     const bool sameKind = IsBitFunction(*layout.write) == IsBitFunction(layout.function);
-    if (!sameKind) node.Fail("write", "bits are written by 5 and 15, registers by 6 and 16");
+    if (!sameKind)
+        node.Fail("write", "bits are written by 5 and 15, registers by 6 and 16");
     if (!IsBitFunction(layout.function) && !TakesNumbers(layout.type)) {
         node.Fail("write", "of what lies in registers, only numbers can be written");
     }
@@ -210,23 +223,25 @@ void ProfileReader::ReadScale(CheckedNode& node, VariableLayout& layout, Variabl
     }
     const ZRBasicString symbol = node.Text("unit", 16, ZRBasicString());
     const auto unit = UnitOfSymbol(symbol);
-    if (!unit) node.Fail("unit", fmt::format("\"{}\" is not known", CheckedNode::Shown(Utf16ToUtf8(symbol))));
+    if (!unit)
+        node.Fail("unit", fmt::format("\"{}\" is not known", CheckedNode::Shown(Utf16ToUtf8(symbol))));
     variable.measureUnits = unit.value_or(0);
-    if (layout.type == DataType::Bit) node.Forbid("registerExponent", "a bit has none");
+    if (layout.type == DataType::Bit)
+        node.Forbid("registerExponent", "a bit has none");
     layout.registerExponent = node.Integer("registerExponent", -kMaxExponent, kMaxExponent, 0);
     variable.valueExponent = node.Integer("valueExponent", -kMaxExponent, kMaxExponent, 0);
     const int decimals = std::clamp(-layout.registerExponent, 0, kMaxDecimals);
     variable.decimals = node.Integer("decimals", 0, kMaxDecimals, decimals);
     variable.unitsExponent = node.Integer("unitsExponent", -kMaxExponent, kMaxExponent, variable.valueExponent);
     // As many as show the same digits in the displayed unit.
-    const int shown =
-        std::clamp(variable.decimals + variable.unitsExponent - variable.valueExponent, 0, kMaxDecimals);
+    const int shown = std::clamp(variable.decimals + variable.unitsExponent - variable.valueExponent, 0, kMaxDecimals);
     variable.unitsDecimals = node.Integer("unitsDecimals", 0, kMaxDecimals, shown);
 }
 
 void ProfileReader::ReadRange(CheckedNode& node, const VariableLayout& layout, VariableDescription& variable)
 {
-    if (layout.type == DataType::Text) return;
+    if (layout.type == DataType::Text)
+        return;
     if (!variable.values.empty()) {
         node.Forbid("minimum", "the named values are the range");
         node.Forbid("maximum", "the named values are the range");
@@ -240,10 +255,12 @@ void ProfileReader::ReadRange(CheckedNode& node, const VariableLayout& layout, V
         return;
     }
     constexpr double kLargest = std::numeric_limits<double>::max();
-    if (node.Has("minimum") != node.Has("maximum")) node.Fail("minimum", "stands only together with maximum");
+    if (node.Has("minimum") != node.Has("maximum"))
+        node.Fail("minimum", "stands only together with maximum");
     variable.minimum = node.Number("minimum", -kLargest, kLargest, 0.0);
     variable.maximum = node.Number("maximum", -kLargest, kLargest, 0.0);
-    if (node.Has("minimum") && !(variable.minimum < variable.maximum)) node.Fail("maximum", "not above minimum");
+    if (node.Has("minimum") && !(variable.minimum < variable.maximum))
+        node.Fail("maximum", "not above minimum");
 }
 
 bool ProfileReader::ReadNamedValues(const XmlNode& xml, const VariableLayout& layout, VariableDescription& variable)
@@ -251,22 +268,29 @@ bool ProfileReader::ReadNamedValues(const XmlNode& xml, const VariableLayout& la
     const bool bit = layout.type == DataType::Bit;
     for (const XmlNode* child : xml.children) {
         CheckedNode node(*child);
-        if (child->tag != u"value") node.Fail(CheckedNode::Shown(Utf16ToUtf8(child->tag)), "only \"value\" is known here");
+        if (child->tag != u"value")
+            node.Fail(CheckedNode::Shown(Utf16ToUtf8(child->tag)), "only \"value\" is known here");
         if (variable.values.size() == kMaxNamedValues) {
             node.Fail("value", fmt::format("more than {} named values", kMaxNamedValues));
         }
-        if (layout.type == DataType::Text) node.Fail("value", "a text has no named values");
+        if (layout.type == DataType::Text)
+            node.Fail("value", "a text has no named values");
         const int number = node.Integer("number", bit ? 0 : std::numeric_limits<int>::min(),
                                         bit ? 1 : std::numeric_limits<int>::max());
         ZRBasicString text = node.Text("text", kMaxText);
-        if (text.IsEmpty()) node.Fail("text", "empty");
-        if (!child->children.empty()) node.Fail("value", "holds no further elements");
+        if (text.IsEmpty())
+            node.Fail("text", "empty");
+        if (!child->children.empty())
+            node.Fail("value", "holds no further elements");
         node.AllowOnly({"number", "text"});
         const auto& numbers = variable.values;
         const auto& texts = variable.valueTexts;
-        if (std::find(numbers.begin(), numbers.end(), number) != numbers.end()) node.Fail("number", "used before");
-        if (std::find(texts.begin(), texts.end(), text) != texts.end()) node.Fail("text", "used before");
-        if (!Passed(*child, node, fmt::format("variable \"{}\": value: ", Utf16ToUtf8(variable.name)))) return false;
+        if (std::find(numbers.begin(), numbers.end(), number) != numbers.end())
+            node.Fail("number", "used before");
+        if (std::find(texts.begin(), texts.end(), text) != texts.end())
+            node.Fail("text", "used before");
+        if (!Passed(*child, node, fmt::format("variable \"{}\": value: ", Utf16ToUtf8(variable.name))))
+            return false;
         variable.values.push_back(number);
         variable.valueTexts.push_back(std::move(text));
     }

@@ -10,7 +10,7 @@
 namespace zr {
 namespace {
 
-// Relative paths are to be ignored, by the base directory specification.
+// Relative paths are to be ignored, by the rules of the XDG base directories.
 std::filesystem::path AbsolutePathIn(const char* variable)
 {
     const char* const text = std::getenv(variable);

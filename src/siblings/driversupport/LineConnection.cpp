@@ -15,6 +15,8 @@ namespace {
 // After a frame was seen twice, requests are kept that far apart for so long.
 constexpr std::chrono::milliseconds kWaryPause{20};
 constexpr std::chrono::seconds kWary{60};
+// How much of the slowest reply seen a frame is held back for the one that may follow it.
+constexpr std::chrono::milliseconds kPatience{50};
 // A frame that has begun may stand still for so long, and 30 bytes more.
 constexpr std::chrono::milliseconds kGap{20};
 constexpr int kGapBytes = 30;
@@ -89,6 +91,10 @@ void LineConnection::BeginOpen()
 void LineConnection::WireOpened()
 {
     m_open = true;
+    m_quiet = m_line->LineFreeAt() > Clock::now();  // the line may have been lost while it rested
+    if (m_quiet) {
+        m_timer->Set(m_line->LineFreeAt());
+    }
     if (std::exchange(m_lossTold, false)) {
         PostNotice(DeviceWarning::ConnectionOpened, name);
     }
@@ -160,7 +166,7 @@ void LineConnection::OnTime()
         if (now < m_deadline) {
             m_timer->Set(m_deadline);
         } else if (m_held) {
-            Deliver({m_last.data(), m_lastSize}, now);  // no other came: it was the reply
+            Deliver({m_last.data(), m_lastSize}, m_heldAt);  // no other came: it was the reply
         } else {
             Complete(Outcome::TimedOut, now);
         }
@@ -270,9 +276,11 @@ void LineConnection::Accept(std::span<const std::uint8_t> frame, bool moreFollow
     if (m_held) {
         CountDropped(1);
         m_waryUntil = now + kWary;
-    } else if (IsLastFrame(frame) && now - m_sentAt < m_usual / 2) {
+    } else if (IsLastFrame(frame) && (!IsLastRequest() || now - m_sentAt < m_quickest / 2)) {
         m_held = true;
-        const Clock::duration patience = std::max<Clock::duration>(4 * m_usual, std::chrono::milliseconds(2));
+        m_heldAt = now;
+        const Clock::duration patience = std::max<Clock::duration>(
+            {4 * m_usual, std::min<Clock::duration>(m_line->SlowestReply(), kPatience), std::chrono::milliseconds(2)});
         m_deadline = std::min(m_deadline, now + patience);
         m_timer->Set(m_deadline);
         return;
@@ -280,19 +288,23 @@ void LineConnection::Accept(std::span<const std::uint8_t> frame, bool moreFollow
     Deliver(frame, now);
 }
 
-void LineConnection::Deliver(std::span<const std::uint8_t> frame, Clock::time_point now)
+void LineConnection::Deliver(std::span<const std::uint8_t> frame, Clock::time_point receivedAt)
 {
     ZRDeviceTransaction& transaction = *m_current;
-    transaction.took = now - m_sentAt;
+    transaction.took = receivedAt - m_sentAt;
     transaction.replySize = frame.size();
     std::copy(frame.begin(), frame.end(), transaction.reply.begin());
     std::copy(frame.begin(), frame.end(), m_last.begin());
     m_lastSize = frame.size();
-    m_usual = m_usual == Clock::duration::zero() ? transaction.took : (7 * m_usual + transaction.took) / 8;
+    m_lastRequest = transaction.request;
+    m_lastRequestSize = transaction.requestSize;
+    const bool isFirst = m_usual == Clock::duration::zero();
+    m_usual = isFirst ? transaction.took : (7 * m_usual + transaction.took) / 8;
+    m_quickest = isFirst ? transaction.took : std::min(transaction.took, m_quickest + m_quickest / 64);
     m_line->Replied(transaction.took);
     m_reopenAfter = m_times.firstReopen;
     m_beginning.clear();
-    Complete(Outcome::Replied, now);
+    Complete(Outcome::Replied, receivedAt);
 }
 
 void LineConnection::Stray(std::span<const std::uint8_t> bytes)
@@ -317,6 +329,11 @@ bool LineConnection::IsLastFrame(std::span<const std::uint8_t> frame) const
 {
     return m_lastSize > 0 && std::equal(frame.begin(), frame.end(), m_last.begin(),
                                         m_last.begin() + static_cast<std::ptrdiff_t>(m_lastSize));
+}
+
+bool LineConnection::IsLastRequest() const
+{
+    return std::ranges::equal(m_current->Request(), std::span(m_lastRequest).first(m_lastRequestSize));
 }
 
 void LineConnection::CountDropped(std::size_t frames)

@@ -24,8 +24,8 @@ namespace zr {
 // Nothing is taken for a reply that the transaction doesn't accept. Where replies don't name their request:
 //  - a request without an answer is followed by a rest of the line and a longer one of the unit, see QuietLine;
 //  - what was received before a request is thrown away before it is sent;
-//  - a frame equal to the last reply that comes sooner than a reply can is held back: when another one follows, it was
-//    that reply doubled. Where frames were seen twice, requests are kept apart for a while.
+//  - a frame equal to the last reply that comes for another request, or sooner than a reply can, is held back: when
+//    another one follows, it was that reply doubled. Where frames were seen twice, requests are kept apart for a while.
 class LineConnection : public ZRDeviceConnection, private Wire::Listener {
 public:
     LineConnection();
@@ -70,10 +70,12 @@ private:
     void Judge(std::span<const std::uint8_t> bytes);
     void AwaitRest(std::span<const std::uint8_t> beginning);
     void Accept(std::span<const std::uint8_t> frame, bool moreFollows);
-    void Deliver(std::span<const std::uint8_t> frame, Clock::time_point now);
+    void Deliver(std::span<const std::uint8_t> frame, Clock::time_point receivedAt);
     void Complete(ZRDeviceTransaction::Outcome outcome, Clock::time_point now);
     void CountDropped(std::size_t frames);
     [[nodiscard]] bool IsLastFrame(std::span<const std::uint8_t> frame) const;
+    // Whether the request under way is the one that the last reply answered.
+    [[nodiscard]] bool IsLastRequest() const;
     void PostLater(void (LineConnection::*operation)());
     void FailWithoutLine();
 
@@ -103,9 +105,13 @@ private:
     Clock::time_point m_deadline;
     std::vector<std::uint8_t> m_beginning;  // of a frame that isn't whole yet
     bool m_held = false;                    // m_last came again and may be the reply
+    Clock::time_point m_heldAt;
     std::array<std::uint8_t, ZRDeviceTransaction::kMaxFrame> m_last{};
     std::size_t m_lastSize = 0;
-    Clock::duration m_usual{};  // mean time from request to reply
+    std::array<std::uint8_t, ZRDeviceTransaction::kMaxFrame> m_lastRequest{};
+    std::size_t m_lastRequestSize = 0;
+    Clock::duration m_usual{};     // mean time from request to reply
+    Clock::duration m_quickest{};  // the shortest one of late: an outlier among the slow ones doesn't touch it
     Clock::time_point m_waryUntil = Clock::time_point::min();
 };
 

@@ -40,11 +40,11 @@ bool WorkGroupCore::Start()
     return false;
 }
 
-void WorkGroupCore::Tick(std::uint64_t tick)
+void WorkGroupCore::Tick(const std::shared_ptr<WorkGroupCore>& core, std::uint64_t tick)
 {
-    m_tick.store(tick, std::memory_order_release);
-    if (ClaimQueue()) {
-        m_context.Queue(shared_from_this());
+    core->m_tick.store(tick, std::memory_order_release);
+    if (core->ClaimQueue()) {
+        core->m_context.Queue(core);
     }
 }
 

@@ -28,7 +28,7 @@ public:
 
     // False if the connection can't begin to open; nothing runs then.
     bool Start();
-    void Tick(std::uint64_t tick);
+    static void Tick(const std::shared_ptr<WorkGroupCore>& core, std::uint64_t tick);
     void RequestStop();
     [[nodiscard]] bool Stopped() const { return m_stopped.load(std::memory_order_acquire); }
     // Blocks until Stopped, which RequestStop must have been called for.

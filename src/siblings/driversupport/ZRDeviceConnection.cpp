@@ -42,12 +42,12 @@ void ZRDeviceConnection::Bury(ZRDeviceConnection* connection)
     ::new (storage) BuriedConnection;
 }
 
-void* ZRDeviceConnection::operator new(std::size_t size)
-{
-    return ::operator new(size);
-}
-
 void ZRDeviceConnection::operator delete(void* storage)
 {
     ::operator delete(storage);
+}
+
+void* ZRDeviceConnection::operator new(std::size_t size)
+{
+    return ::operator new(size);
 }

@@ -71,9 +71,9 @@ public:
     // that whoever follows the stale entry reads something harmless; deleting that one frees the storage. Null is
     // harmless, and so is burying twice.
     static void Bury(ZRDeviceConnection* connection);
-    static void* operator new(std::size_t size);
     // Frees without a size: what lies in the storage may be smaller than what it was made for, see Bury.
     static void operator delete(void* storage);
+    static void* operator new(std::size_t size);
 
 protected:
     ZRBasicString m_loadError;

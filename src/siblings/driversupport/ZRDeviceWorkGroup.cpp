@@ -161,7 +161,7 @@ void ZRDeviceWorkGroup::OneHzCall(const ZRDateTime& utcNow)
     m_state->lastTick.store(std::uint64_t{utcNow.seconds} << 32 | utcNow.microseconds, std::memory_order_relaxed);
     m_state->ticks.store(ticks, std::memory_order_release);
     if (m_state->IsServing()) {
-        m_state->core->Tick(ticks);
+        zr::WorkGroupCore::Tick(m_state->core, ticks);
     }
 }
 

@@ -2,6 +2,9 @@
 
 #include "platform/Unicode.h"
 
+#include <cstdint>
+#include <cstring>
+
 std::string Utf16ToUtf8(std::u16string_view text)
 {
     return zr::Utf8From16(text);
@@ -39,10 +42,30 @@ std::size_t Utf16Length(std::string_view text)
     return units;
 }
 
+namespace {
+
+// Widens eight bytes at a time as long as all of them are ASCII; moves both on.
+void WidenAscii(const char*& at, const char* end, wchar*& out)
+{
+    for (std::uint64_t bytes = 0; end - at >= 8; at += 8, out += 8) {
+        std::memcpy(&bytes, at, sizeof bytes);
+        if ((bytes & 0x8080808080808080U) != 0) {
+            return;
+        }
+        for (std::size_t i = 0; i < 8; ++i) {
+            out[i] = static_cast<unsigned char>(at[i]);
+        }
+    }
+}
+
+}  // namespace
+
 wchar* DecodeValidUtf8(std::string_view text, wchar* out)
 {
     const char* const end = text.data() + text.size();
-    for (const char* at = text.data(); at != end;) {
+    const char* at = text.data();
+    WidenAscii(at, end, out);
+    while (at != end) {
         const auto byte = static_cast<unsigned char>(*at);
         if (byte < 0x80) {
             *out++ = byte;

@@ -436,10 +436,16 @@ bool XmlGate::NoDoubledAttribute()
     constexpr std::size_t kFew = 12;
     std::string_view doubled;
     if (m_names.size() <= kFew) {
-        for (std::size_t i = 1; i < m_names.size(); ++i) {
-            for (std::size_t k = 0; k < i; ++k) {
-                doubled = m_names[i] == m_names[k] ? m_names[i] : doubled;
+        std::uint64_t seen = 0;
+        for (std::size_t i = 0; i < m_names.size(); ++i) {
+            // Most names differ from all others by their first byte or their length, so that few are compared.
+            const std::string_view name = m_names[i];
+            const std::uint64_t mark = 1ULL << ((static_cast<unsigned char>(name.front()) + 29 * name.size()) % 64);
+            if ((seen & mark) != 0 &&
+                std::count(m_names.begin(), m_names.begin() + static_cast<std::ptrdiff_t>(i), name) != 0) {
+                doubled = name;
             }
+            seen |= mark;
         }
     } else {
         m_sorted.assign(m_names.begin(), m_names.end());

@@ -22,11 +22,11 @@ TEST(Paths, FollowTheBaseDirectoriesOfTheUser)
 
 TEST(Paths, FallBackToTheHomeFolder)
 {
-    const Environment home("HOME", "/home/of/user");
+    const Environment home("HOME", "/somewhere/user");
     const Environment config("XDG_CONFIG_HOME", nullptr);
     const Environment data("XDG_DATA_HOME", "relative/is/ignored");
-    EXPECT_EQ(zr::ConfigFolder(), "/home/of/user/.config/kestrix");
-    EXPECT_EQ(zr::DataFolder(), "/home/of/user/.local/share/kestrix");
+    EXPECT_EQ(zr::ConfigFolder(), "/somewhere/user/.config/kestrix");
+    EXPECT_EQ(zr::DataFolder(), "/somewhere/user/.local/share/kestrix");
 }
 
 TEST(Paths, TheRuntimeFolderIsTheUsersOwnWithoutTheVariable)

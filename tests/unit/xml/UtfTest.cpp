@@ -76,6 +76,18 @@ TEST(Utf, CountsAndDecodesUnits)
     EXPECT_EQ(ZRBasicString(units, 5), u"a\u00E9\u20AC\U0001F50C");
 }
 
+TEST(Utf, DecodesLongTextsWhereverTheyLeaveAscii)
+{
+    for (std::size_t before = 0; before < 40; ++before) {
+        for (std::size_t after = 0; after < 20; ++after) {
+            const std::string utf8 = std::string(before, 'a') + "\xC3\xA9" + std::string(after, 'b');
+            std::u16string units(Utf16Length(utf8), u'?');
+            ASSERT_EQ(DecodeValidUtf8(utf8, units.data()), units.data() + units.size());
+            ASSERT_EQ(units, std::u16string(before, u'a') + u"\u00E9" + std::u16string(after, u'b'));
+        }
+    }
+}
+
 TEST(Utf, EveryScalarSurvivesTheWayThereAndBack)
 {
     for (char32_t scalar = 0; scalar <= 0x10FFFF; scalar += scalar < 0x3000 ? 1 : 61) {

@@ -1,0 +1,148 @@
+#include "hosts/kestrixd/LiveTable.h"
+
+#include "comm/ZRCommSystem.h"
+#include "siblings/tools/Numbers.h"
+#include "siblings/tools/Utf.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+
+namespace zr::service {
+namespace {
+
+constexpr int kNameColumns = 14;
+constexpr int kTypeColumns = 6;
+constexpr int kRowsOfMessages = 4;
+
+// Cut to a number of code points, padded with blanks.
+std::string Fit(const ZRBasicString& text, int columns)
+{
+    const auto width = static_cast<std::size_t>(columns);
+    ZRBasicString cut(text.Text().substr(0, width));
+    while (cut.Length() < width) {
+        cut += u' ';
+    }
+    return Utf16ToUtf8(cut);
+}
+
+std::string NamedValue(const ZRDriverVariable& variable, double number)
+{
+    ZRDeviceDriver::tagSVariableValueInfo info;
+    if (!variable.ValueInfo(info)) {
+        return {};
+    }
+    for (std::size_t i = 0; i < info.values.size() && i < info.valueTexts.size(); ++i) {
+        if (static_cast<double>(info.values[i]) == number) {
+            return Utf16ToUtf8(info.valueTexts[i]);
+        }
+    }
+    return {};
+}
+
+std::string NumberText(const ZRDriverVariable& variable, double number)
+{
+    if (std::string named = NamedValue(variable, number); !named.empty()) {
+        return named;
+    }
+    ZRDeviceDriver::tagSVariableInfo info;
+    if (!variable.Info(info)) {
+        return {};
+    }
+    ZRBasicString text;
+    FormatNumber(text, number * std::pow(10.0, info.valueExponent - info.unitsExponent), info.unitsDecimals, true);
+    ZRBasicString unit;
+    ZRDeviceDriver::MeasureUnitsText(unit, info.measureUnits, info.unitsExponent);
+    return Utf16ToUtf8(unit.IsEmpty() ? text : text + u" " + unit);
+}
+
+}  // namespace
+
+std::string ValueText(ZRDriverVariable& variable)
+{
+    if (!variable.IsValid()) {
+        return "--";
+    }
+    tagSVariableValue value;
+    variable.Value(value);
+    switch (value.type) {
+        case tagSVariableValue::kBoolean: {
+            std::string named = NamedValue(variable, value.boolean);
+            return !named.empty() ? named : (value.boolean != 0 ? "on" : "off");
+        }
+        case tagSVariableValue::kNumber:
+            return NumberText(variable, value.number);
+        case tagSVariableValue::kText:
+            return Utf16ToUtf8(value.text);
+        case tagSVariableValue::kWords:
+            return fmt::format("{}:{}", value.first, value.second);
+        default:
+            return "--";
+    }
+}
+
+LiveTable::LiveTable()
+{
+    ZRCommSystem& system = ZRCommSystem::Get();
+    for (auto driver = system.DriversBegin(); driver != system.DriversEnd(); ++driver) {
+        Row& row = m_rows.emplace_back(Row{*driver, {}});
+        ZRDriverVariableNameIterator name;
+        for ((*driver)->VariableNameBegin(name); !(name == ZRDeviceDriver::variableNameIteratorEnd); name++) {
+            ZRDriverVariable variable;
+            variable.Setup((*driver)->name + u"." + name.Name());
+            if (variable.Lock()) {
+                row.variables.push_back(variable);
+            }
+        }
+    }
+}
+
+std::string LiveTable::RenderRow(const Row& row, int columns)
+{
+    std::string line = Fit(row.driver->name, kNameColumns) + ' ' + Fit(row.driver->DriverType(), kTypeColumns) + ' ' +
+                       (row.driver->Online() ? "on line" : "silent ");
+    int used = kNameColumns + 1 + kTypeColumns + 1 + 7;
+    for (ZRDriverVariable& variable : row.variables) {
+        ZRDeviceDriver::tagSVariableInfo info;
+        if (!variable.Info(info)) {
+            continue;
+        }
+        const std::string value = ValueText(variable);
+        const std::string cell = fmt::format("  {} {}", Utf16ToUtf8(info.name), value);
+        const int width = static_cast<int>(Utf16Length(cell));
+        if (used + width > columns) {
+            break;
+        }
+        line += cell;
+        used += width;
+    }
+    return line;
+}
+
+std::string LiveTable::Render(int columns, int rows, const Summary& summary,
+                              const std::deque<std::string>& messages) const
+{
+    std::string head = fmt::format("{} of {} devices on line, {} of {} values valid, {} requests, {} time-outs",
+                                   summary.online, summary.devices, summary.valid, summary.variables,
+                                   summary.transactions, summary.timeouts);
+    std::string text = head.substr(0, static_cast<std::size_t>(std::max(columns, 0))) + "\n";
+    int room = rows - 2 - std::min<int>(kRowsOfMessages, static_cast<int>(messages.size()));
+    std::size_t shown = 0;
+    for (const Row& row : m_rows) {
+        if (room-- <= 0) {
+            break;
+        }
+        text += RenderRow(row, columns) + '\n';
+        ++shown;
+    }
+    if (shown < m_rows.size()) {
+        text += fmt::format("... and {} more devices\n", m_rows.size() - shown);
+    }
+    const std::size_t first = messages.size() > kRowsOfMessages ? messages.size() - kRowsOfMessages : 0;
+    for (std::size_t i = first; i < messages.size(); ++i) {
+        text += messages[i].substr(0, static_cast<std::size_t>(std::max(columns, 0))) + '\n';
+    }
+    return text;
+}
+
+}  // namespace zr::service

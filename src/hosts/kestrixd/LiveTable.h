@@ -1,0 +1,38 @@
+// The live values of all devices as text for a terminal.
+#pragma once
+
+#include "hosts/kestrixd/Summary.h"
+#include "siblings/driversupport/ZRDriverVariable.h"
+
+#include <deque>
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zr::service {
+
+// Holds the variables of the registry's devices locked. Made after a load, gone before a reset. Main loop only.
+class LiveTable {
+public:
+    LiveTable();
+
+    // Lines of at most that many columns and rows, first the figures, then a line a device with as many values as there
+    // is room for, then the latest messages. Every line ends with a line feed.
+    [[nodiscard]] std::string Render(int columns, int rows, const Summary& summary,
+                                     const std::deque<std::string>& messages) const;
+
+private:
+    struct Row {
+        ZRDeviceDriver* driver;
+        mutable std::vector<ZRDriverVariable> variables;
+    };
+    [[nodiscard]] static std::string RenderRow(const Row& row, int columns);
+
+    std::list<Row> m_rows;
+};
+
+// The value with its unit, as "230.4 V"; "--" while it isn't valid.
+std::string ValueText(ZRDriverVariable& variable);
+
+}  // namespace zr::service

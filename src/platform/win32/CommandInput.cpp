@@ -1,0 +1,10 @@
+#include "platform/CommandInput.h"
+
+namespace zr {
+
+bool CommandInput::Take(std::vector<std::string>&)
+{
+    return false;
+}
+
+}  // namespace zr

@@ -1,0 +1,48 @@
+// The hour types of a filter, by which a variable is split.
+#pragma once
+
+#include "siblings/tools/ZRBasicString.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class XmlDocument;
+
+namespace zr {
+
+// What an `.MVDF` file and its companion tell. The dialogs that choose variables read the two files themselves and say
+// nothing of a fault; a host checks with this class the filters that device types name, and tells the user.
+class FilterFile {
+public:
+    static constexpr std::size_t kMaxHourTypes = 64;
+
+    struct HourType {
+        ZRBasicString name;                  // by IsValidId, so that it fits into a variable reference
+        std::optional<std::uint32_t> color;  // 0xRRGGBB
+    };
+
+    // Reads `file` (hour types: the children of the root's child `hourTypes`, of any tag, by their values `name` and
+    // `color`, the latter 1 to 6 hexadecimal digits and not a must) and its companion of the same name plus "I", whose
+    // root's children "hour" must name the same hour types.
+    //
+    // False, with error "FILE:LINE: REASON", when one of them can't be read or breaks a rule; the object is then as it
+    // was.
+    bool Load(const std::filesystem::path& file, std::string& error);
+
+    // As Load, from bytes in memory; name stands for the file in errors.
+    bool LoadText(std::string_view filter, std::string_view companion, const std::string& name, std::string& error);
+
+    // In order of the file.
+    [[nodiscard]] const std::vector<HourType>& HourTypes() const { return m_hourTypes; }
+
+private:
+    bool Take(const XmlDocument& filter, const XmlDocument& companion, const std::string& name, std::string& error);
+
+    std::vector<HourType> m_hourTypes;
+};
+
+}  // namespace zr

@@ -8,7 +8,7 @@
 namespace {
 
 // How far ahead of the item in hand the memory of the next ones is asked for.
-constexpr std::size_t kPrefetchDistance = 12;
+constexpr std::size_t kPrefetchDistance = 6;
 
 }  // namespace
 

@@ -276,7 +276,7 @@ TEST_F(ZRDDEServerTest, StopEndsTheConversationsOfTheClients)
     const HCONV conversation = client.Connect(kService, u"topic");
     ASSERT_NE(conversation, nullptr);
     server.Stop();
-#ifndef _WIN32  // Windows does not tell a client in the server's own process
+#ifndef _WIN32  // Wine does not tell a client in the server's own process
     EXPECT_TRUE(DdeClient::WaitUntil([&client] { return client.disconnects == 1; }));
 #endif
     EXPECT_FALSE(client.Advise(conversation, u"item"));

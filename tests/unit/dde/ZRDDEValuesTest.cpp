@@ -187,7 +187,7 @@ TEST_F(ZRDDEValuesTest, ASecondClientIsWokenWithItsOldValueWhenTheFirstOnesIsPos
     EXPECT_EQ(second.updates[0].data, dde::EncodeText(230.0, 2, true));
 }
 
-#ifndef _WIN32  // some of its clients lose data of a registered format
+#ifndef _WIN32  // Wine's clients lose data of a registered format
 TEST_F(ZRDDEValuesTest, AClientGetsTheTableForm)
 {
     DdeClient client;

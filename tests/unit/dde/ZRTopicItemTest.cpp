@@ -219,7 +219,7 @@ TEST_F(ZRTopicItemTest, TheReplyIsReadyWhenThePostCallsBack)
 }
 
 #ifndef _WIN32
-// Windows' clients drop data of another format than the link's, so that such a link stays silent there.
+// Wine's clients drop data of another format than the link's, so that such a link stays silent there.
 TEST_F(ZRTopicItemTest, AUnicodeLinkGetsAHandleMarkedAsText)
 {
     meter[U1].WriteNumber(12.5);

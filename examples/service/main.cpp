@@ -1,6 +1,7 @@
 // A complete host: loads a configuration document, supervises its devices for a while and prints their values.
 #include <comm/ZRCommSystem.h>
 #include <comm/ZRMainCfg.h>
+#include <devices/modbus/ModbusDrivers.h>
 #include <siblings/driversupport/ZRDriverVariable.h>
 #include <siblings/tools/Utf.h>
 
@@ -8,7 +9,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <string>
 #include <thread>
+#include <vector>
 
 static void PrintValues(ZRDeviceDriver& device)
 {
@@ -29,6 +32,11 @@ int main(int argc, char** argv)
     if (argc != 3) {
         std::fprintf(stderr, "usage: service CONFIG SECONDS\n");
         return 2;
+    }
+    std::vector<std::string> errors;
+    zr::modbus::RegisterDrivers(DEVICE_PROFILES, errors);
+    for (const std::string& error : errors) {
+        std::fprintf(stderr, "%s\n", error.c_str());
     }
     ZRMainCfg document;
     ZRCommSystem system;

@@ -202,7 +202,7 @@ Exception Check(const Request& request)
 
 std::uint16_t RegisterAt(std::span<const std::uint8_t> data, std::size_t index)
 {
-    return static_cast<std::uint16_t>(data[index * 2] << 8u | data[index * 2 + 1]);
+    return static_cast<std::uint16_t>(unsigned{data[index * 2]} << 8u | data[index * 2 + 1]);
 }
 
 void SetRegister(std::span<std::uint8_t> data, std::size_t index, std::uint16_t value)
@@ -213,12 +213,12 @@ void SetRegister(std::span<std::uint8_t> data, std::size_t index, std::uint16_t 
 
 bool BitAt(std::span<const std::uint8_t> data, std::size_t index)
 {
-    return (data[index / 8] >> (index % 8) & 1u) != 0;
+    return (unsigned{data[index / 8]} >> (index % 8) & 1u) != 0;
 }
 
 void SetBit(std::span<std::uint8_t> data, std::size_t index, bool on)
 {
-    const auto mask = static_cast<std::uint8_t>(1u << (index % 8));
+    const unsigned mask = 1u << (index % 8);
     std::uint8_t& byte = data[index / 8];
     byte = static_cast<std::uint8_t>(on ? byte | mask : byte & ~mask);
 }

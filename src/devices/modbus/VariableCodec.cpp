@@ -157,7 +157,7 @@ std::optional<double> DecodeNumber(const VariableLayout& layout, Bytes data, std
     if (layout.type == DataType::Text)
         return std::nullopt;
     if (layout.type == DataType::Bit)
-        return (RegisterAt(data, offset) >> layout.bit & 1u) != 0 ? 1.0 : 0.0;
+        return (unsigned{RegisterAt(data, offset)} >> layout.bit & 1u) != 0 ? 1.0 : 0.0;
     const double stored = Scaled(RawNumber(layout.type, RawBits(layout, data, offset)), layout.registerExponent);
     if (!std::isfinite(stored))
         return std::nullopt;

@@ -15,6 +15,8 @@ namespace {
 // After a frame was seen twice, requests are kept that far apart for so long.
 constexpr std::chrono::milliseconds kWaryPause{20};
 constexpr std::chrono::seconds kWary{60};
+// How much of the slowest reply seen a frame is held back for the one that may follow it.
+constexpr std::chrono::milliseconds kPatience{50};
 // A frame that has begun may stand still for so long, and 30 bytes more.
 constexpr std::chrono::milliseconds kGap{20};
 constexpr int kGapBytes = 30;
@@ -274,11 +276,11 @@ void LineConnection::Accept(std::span<const std::uint8_t> frame, bool moreFollow
     if (m_held) {
         CountDropped(1);
         m_waryUntil = now + kWary;
-    } else if (IsLastFrame(frame) && (!IsLastRequest() || now - m_sentAt < m_usual / 2)) {
+    } else if (IsLastFrame(frame) && (!IsLastRequest() || now - m_sentAt < m_quickest / 2)) {
         m_held = true;
         m_heldAt = now;
-        const Clock::duration patience =
-            std::max<Clock::duration>({4 * m_usual, m_line->SlowestReply(), std::chrono::milliseconds(2)});
+        const Clock::duration patience = std::max<Clock::duration>(
+            {4 * m_usual, std::min<Clock::duration>(m_line->SlowestReply(), kPatience), std::chrono::milliseconds(2)});
         m_deadline = std::min(m_deadline, now + patience);
         m_timer->Set(m_deadline);
         return;
@@ -296,7 +298,9 @@ void LineConnection::Deliver(std::span<const std::uint8_t> frame, Clock::time_po
     m_lastSize = frame.size();
     m_lastRequest = transaction.request;
     m_lastRequestSize = transaction.requestSize;
-    m_usual = m_usual == Clock::duration::zero() ? transaction.took : (7 * m_usual + transaction.took) / 8;
+    const bool isFirst = m_usual == Clock::duration::zero();
+    m_usual = isFirst ? transaction.took : (7 * m_usual + transaction.took) / 8;
+    m_quickest = isFirst ? transaction.took : std::min(transaction.took, m_quickest + m_quickest / 64);
     m_line->Replied(transaction.took);
     m_reopenAfter = m_times.firstReopen;
     m_beginning.clear();

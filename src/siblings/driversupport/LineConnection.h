@@ -110,7 +110,8 @@ private:
     std::size_t m_lastSize = 0;
     std::array<std::uint8_t, ZRDeviceTransaction::kMaxFrame> m_lastRequest{};
     std::size_t m_lastRequestSize = 0;
-    Clock::duration m_usual{};  // mean time from request to reply
+    Clock::duration m_usual{};     // mean time from request to reply
+    Clock::duration m_quickest{};  // the shortest one of late: an outlier among the slow ones doesn't touch it
     Clock::time_point m_waryUntil = Clock::time_point::min();
 };
 

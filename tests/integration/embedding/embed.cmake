@@ -47,3 +47,24 @@ execute_process(COMMAND ${example}/service ${FOLDER}/absent.xml 0 ERROR_VARIABLE
 if(NOT result EQUAL 2 OR NOT output MATCHES "absent.xml")
   message(FATAL_ERROR "service ended with ${result} for a document that doesn't exist:\n${output}")
 endif()
+
+# Supervises one meter of a plant: the values that it prints are those of a live device.
+file(WRITE ${FOLDER}/plant.xml "<Plant Series=\"${prefix}/share/kestrix/demo/household/household_1min.csv\"
+  Profiles=\"${prefix}/share/kestrix/devices\">
+  <Converter Name=\"NORTH\" Address=\"127.0.0.1\" Port=\"47311\">
+    <Device Name=\"METER-1\" Profile=\"EM3\" Unit=\"1\" Scale=\"1\"/>
+  </Converter>
+</Plant>
+")
+file(WRITE ${FOLDER}/one.xml "<Kestrix><CommSystem>
+  <Connections><Connection Name=\"NORTH\" Type=\"UDP\" Address=\"127.0.0.1\" Socket=\"47311\"/></Connections>
+  <Devices><Device Name=\"METER-1\" Driver=\"EM3\" Connection=\"NORTH\" Unit=\"1\"/></Devices>
+</CommSystem></Kestrix>
+")
+# Both run at once, and the plant ends by itself; one that starts late is asked again.
+execute_process(COMMAND ${prefix}/bin/kestrix-plant ${FOLDER}/plant.xml --for 5
+                COMMAND ${example}/service ${FOLDER}/one.xml 4 OUTPUT_VARIABLE output ERROR_VARIABLE problems
+                RESULTS_VARIABLE results)
+if(NOT results STREQUAL "0;0" OR NOT output MATCHES "METER-1.U1 2[0-9][0-9]")
+  message(FATAL_ERROR "service ended with ${results} and printed for a live meter:\n${output}\n${problems}")
+endif()

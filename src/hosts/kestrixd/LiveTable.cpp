@@ -4,9 +4,9 @@
 #include "siblings/tools/Numbers.h"
 #include "siblings/tools/Utf.h"
 
+#include <fmt/format.h>
 #include <algorithm>
 #include <cmath>
-#include <fmt/format.h>
 
 namespace zr::service {
 namespace {
@@ -122,9 +122,9 @@ std::string LiveTable::RenderRow(const Row& row, int columns)
 std::string LiveTable::Render(int columns, int rows, const Summary& summary,
                               const std::deque<std::string>& messages) const
 {
-    std::string head = fmt::format("{} of {} devices on line, {} of {} values valid, {} requests, {} time-outs",
-                                   summary.online, summary.devices, summary.valid, summary.variables,
-                                   summary.transactions, summary.timeouts);
+    std::string head =
+        fmt::format("{} of {} devices on line, {} of {} values valid, {} requests, {} time-outs", summary.online,
+                    summary.devices, summary.valid, summary.variables, summary.transactions, summary.timeouts);
     std::string text = head.substr(0, static_cast<std::size_t>(std::max(columns, 0))) + "\n";
     int room = rows - 2 - std::min<int>(kRowsOfMessages, static_cast<int>(messages.size()));
     std::size_t shown = 0;

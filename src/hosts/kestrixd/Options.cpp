@@ -34,9 +34,10 @@ ParsedOptions ParseOptions(int argc, char** argv)
     long update = std::chrono::milliseconds(zr::dde::kDefaultUpdatePeriod).count();
     bool publishesNothing = false;
     std::vector<std::string> ports;
-    CLI::App app("Supervises the devices of a configuration document: polls them, shows their values and reports what "
-                 "goes wrong on standard error. Ends on SIGINT or SIGTERM; SIGHUP reads the document again.",
-                 "kestrixd");
+    CLI::App app(
+        "Supervises the devices of a configuration document: polls them, shows their values and reports what "
+        "goes wrong on standard error. Ends on SIGINT or SIGTERM; SIGHUP reads the document again.",
+        "kestrixd");
     app.add_option("CONFIG", options.document, "the configuration document (XML)")->required();
     app.add_option("--data", options.dataFolder, "folder of the filter files (default: the user's data folder)");
     CLI::Option* span = app.add_option("--for", seconds, "supervise that many seconds, then end")
@@ -46,12 +47,14 @@ ParsedOptions ParseOptions(int argc, char** argv)
     app.add_option("--port", ports, "device file of serial port N; may be given several times")
         ->type_name("N=DEVICE")
         ->allow_extra_args(false);
-    app.add_option("--service", options.serviceName, "name under which the values are published")->capture_default_str();
+    app.add_option("--service", options.serviceName, "name under which the values are published")
+        ->capture_default_str();
     app.add_option("--update", update, "milliseconds between two looks for changed values")
         ->capture_default_str()
         ->check(CLI::Range(10L, 60000L));
     app.add_flag("--no-publication", publishesNothing, "publish nothing");
-    app.footer("Exit status: 0 ended as asked, 2 bad input or command line, 3 another process supervises the document.");
+    app.footer(
+        "Exit status: 0 ended as asked, 2 bad input or command line, 3 another process supervises the document.");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

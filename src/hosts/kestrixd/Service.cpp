@@ -11,10 +11,10 @@
 #include "siblings/tools/Utf.h"
 #include "siblings/tools/ZRLoadString.h"
 
-#include <algorithm>
-#include <cstdio>
 #include <fmt/chrono.h>
 #include <fmt/format.h>
+#include <algorithm>
+#include <cstdio>
 #include <set>
 #include <system_error>
 #include <utility>
@@ -248,8 +248,8 @@ void Service::Supervise()
         }
         std::chrono::milliseconds round = kRound;
         if (m_options.span) {
-            const auto left = std::chrono::ceil<std::chrono::milliseconds>(start + *m_options.span -
-                                                                           CurrentClock().Steady());
+            const auto left =
+                std::chrono::ceil<std::chrono::milliseconds>(start + *m_options.span - CurrentClock().Steady());
             if (left.count() <= 0) {
                 break;
             }

@@ -10,7 +10,7 @@
 namespace zr::service {
 
 struct Finding {
-    std::size_t line;      // of the node in its file, one-based
+    std::size_t line;  // of the node in its file, one-based
     DeviceNotice notice;
 };
 

@@ -3,8 +3,8 @@
 #include "comm/ZRCommSystem.h"
 #include "diagnostics/ZRDebugInfo.h"
 
-#include <algorithm>
 #include <fmt/format.h>
+#include <algorithm>
 
 namespace zr::service {
 namespace {
@@ -27,11 +27,12 @@ void CountDevice(Summary& summary, const ZRDeviceDriver& driver)
 
 std::string Summary::Json() const
 {
-    return fmt::format(R"({{"devices":{},"online":{},"variables":{},"valid":{},"ticks":{},"transactions":{},)"
-                       R"("timeouts":{},"dropped_frames":{},"warnings":{},"dde_conversations":{},"dde_links":{},"dde_posts":{},)"
-                       R"("dde_merged":{}}})",
-                       devices, online, variables, valid, ticks, transactions, timeouts, droppedFrames, warnings,
-                       ddeConversations, ddeLinks, ddePosts, ddeMerged);
+    return fmt::format(
+        R"({{"devices":{},"online":{},"variables":{},"valid":{},"ticks":{},"transactions":{},)"
+        R"("timeouts":{},"dropped_frames":{},"warnings":{},"dde_conversations":{},"dde_links":{},"dde_posts":{},)"
+        R"("dde_merged":{}}})",
+        devices, online, variables, valid, ticks, transactions, timeouts, droppedFrames, warnings, ddeConversations,
+        ddeLinks, ddePosts, ddeMerged);
 }
 
 Summary Summarise()

@@ -17,7 +17,8 @@ constexpr unsigned kNumberBits = 12;
 // The register is told by the upper bits, the request by the lower: each reply is like no other for a long time.
 std::uint16_t ServedValue(std::uint16_t address, std::uint32_t request)
 {
-    return static_cast<std::uint16_t>(address / kApart << kNumberBits | (request & ((1u << kNumberBits) - 1)));
+    return static_cast<std::uint16_t>(std::uint32_t{address} / kApart << kNumberBits |
+                                      (request & ((1u << kNumberBits) - 1)));
 }
 
 class HostileFramesTest : public RegistryFixture {

@@ -19,7 +19,7 @@ inline constexpr std::size_t kMaxNameLength = 127;
 // Clipboard format of the table form, registered by this name.
 inline constexpr const wchar* kXlTableFormatName = u"XlTable";
 // What every handle of the text form is marked with, whatever format was asked for: CF_TEXT.
-inline constexpr unsigned kTextFormFormat = 1;
+inline constexpr unsigned kFormatOfTextForm = 1;
 
 // Value below the suite's registry key of the machine: 0 for numbers in the C locale, anything else for the user's.
 inline constexpr const wchar* kUseLocalNumberFormatValue = u"DDE_UseLocalNumberFormat";

@@ -116,5 +116,5 @@ HDDEDATA ZRDDEValues::ZRTopicItem::CreateData(UINT format) const
     }
     auto text = zr::dde::EncodeText(value.number, decimals, ZRDDEServer::UseLocalNumberFormat());
     return DdeCreateDataHandle(instance, text.data(), static_cast<DWORD>(text.size()), 0, item,
-                               zr::dde::kTextFormFormat, 0);
+                               zr::dde::kFormatOfTextForm, 0);
 }

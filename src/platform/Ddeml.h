@@ -267,7 +267,8 @@ namespace zr::ddeml {
 bool Dispatch(std::chrono::milliseconds timeout);
 
 // Readable whenever Dispatch(0) of the calling thread has something to do: for an event loop of another library. Owned
-// here; lives as long as the thread. -1 on Windows, where any message loop serves, and when no instance was begun.
+// here; ends with the thread's last instance. -1 on Windows, where any message loop serves, and when no instance was
+// begun.
 int PollDescriptor();
 
 // What an instance has done since it began, as a server. All 0 on Windows, where the system does not tell, and for an

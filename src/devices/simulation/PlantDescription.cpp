@@ -4,6 +4,7 @@
 #include "siblings/tools/XmlDocument.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <initializer_list>
 #include <optional>
@@ -21,6 +22,13 @@ bool IsPlantName(std::string_view name)
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
     };
     return !name.empty() && name.size() <= kMaxName && name != "all" && std::all_of(name.begin(), name.end(), good);
+}
+
+std::string NumberText(double number)
+{
+    std::array<char, 32> text = {};
+    const auto [end, code] = std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
+    return code == std::errc() ? std::string(text.data(), end) : std::string();
 }
 
 // Reads one file; the first fault found ends it.
@@ -86,7 +94,7 @@ bool Reader::Number(const XmlNode& node, const wchar* name, double least, double
     double value = 0.0;
     const auto [end, code] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (code != std::errc() || end != text.data() + text.size() || !(value >= least && value <= most)) {
-        std::string limits = std::to_string(least) + " to " + std::to_string(most);
+        const std::string limits = NumberText(least) + " to " + NumberText(most);
         return Refuse(node, Utf16ToUtf8(name) + " must be a number from " + limits);
     }
     number = value;

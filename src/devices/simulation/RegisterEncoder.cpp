@@ -132,7 +132,7 @@ std::string StoredText(const VariableLayout& layout, std::span<const std::uint16
         return TextOf(registers);
     }
     if (layout.type == DataType::Bit) {
-        return (registers[0] >> layout.bit & 1u) != 0 ? "1" : "0";
+        return (unsigned{registers[0]} >> layout.bit & 1u) != 0 ? "1" : "0";
     }
     std::uint64_t bits = 0;
     for (std::size_t i = 0; i < registers.size(); ++i) {

@@ -38,7 +38,7 @@ std::string HexText(std::uint64_t number, std::size_t digits)
 std::string RawText(const modbus::VariableLayout& layout, const std::vector<std::uint16_t>& words)
 {
     if (layout.type == DataType::Bit) {
-        return (words[0] >> layout.bit & 1u) != 0 ? "1" : "0";
+        return (unsigned{words[0]} >> layout.bit & 1u) != 0 ? "1" : "0";
     }
     std::string text;
     for (const std::uint16_t word : words) {

@@ -1,5 +1,8 @@
 #include "hosts/kestrixd/Options.h"
 
+#include "dde/DdeIds.h"
+#include "siblings/tools/Utf.h"
+
 #include <charconv>
 #include <CLI/CLI.hpp>
 
@@ -26,7 +29,10 @@ std::string AddPort(const std::string& text, std::map<int, std::string>& ports)
 ParsedOptions ParseOptions(int argc, char** argv)
 {
     Options options;
+    options.serviceName = Utf16ToUtf8(zr::dde::kDefaultService);
     long seconds = 0;
+    long update = std::chrono::milliseconds(zr::dde::kDefaultUpdatePeriod).count();
+    bool publishesNothing = false;
     std::vector<std::string> ports;
     CLI::App app("Supervises the devices of a configuration document: polls them, shows their values and reports what "
                  "goes wrong on standard error. Ends on SIGINT or SIGTERM; SIGHUP reads the document again.",
@@ -40,11 +46,20 @@ ParsedOptions ParseOptions(int argc, char** argv)
     app.add_option("--port", ports, "device file of serial port N; may be given several times")
         ->type_name("N=DEVICE")
         ->allow_extra_args(false);
+    app.add_option("--service", options.serviceName, "name under which the values are published")->capture_default_str();
+    app.add_option("--update", update, "milliseconds between two looks for changed values")
+        ->capture_default_str()
+        ->check(CLI::Range(10L, 60000L));
+    app.add_flag("--no-publication", publishesNothing, "publish nothing");
     app.footer("Exit status: 0 ended as asked, 2 bad input or command line, 3 another process supervises the document.");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return {std::nullopt, app.exit(error) == 0 ? 0 : 2};
+    }
+    options.updatePeriod = std::chrono::milliseconds(update);
+    if (publishesNothing) {
+        options.serviceName.clear();
     }
     if (*span) {
         options.span = std::chrono::seconds(seconds);

@@ -74,10 +74,14 @@ void AddCounts(Summary& sum, const Summary& more)
 
 }  // namespace
 
-Service::Service(Options options) : m_options(std::move(options)) {}
+Service::Service(Options options)
+    : m_options(std::move(options)), m_publication(m_options.serviceName, m_options.updatePeriod)
+{
+}
 
 Service::~Service()
 {
+    m_publication.End();
     m_table.reset();
     m_system.Reset();
     ZRDeviceDriver::ClearFactories();
@@ -98,6 +102,7 @@ int Service::Run()
         return kBadInput;
     }
     m_system.Start();
+    BeginPublication();
     Supervise();
     return Finish();
 }
@@ -190,6 +195,20 @@ void Service::StartRegistry()
     m_table = std::make_unique<LiveTable>();
 }
 
+void Service::BeginPublication()
+{
+    if (m_options.serviceName.empty()) {
+        return;
+    }
+    if (!m_publication.Begin()) {
+        Report({DeviceWarning::PublicationFailed, Utf8ToUtf16(m_options.serviceName), {}, {}}, 0);
+        return;
+    }
+    const Summary summary = Summarise();
+    Log(fmt::format("publishing {} variables of {} devices as service {}", summary.variables, summary.devices,
+                    m_options.serviceName));
+}
+
 // What can't be read leaves everything as it is.
 void Service::Reload()
 {
@@ -199,6 +218,7 @@ void Service::Reload()
         Log("the document was not read again; supervision goes on with the old one");
         return;
     }
+    m_publication.End();
     m_system.Stop();
     AddCounts(m_before, Summarise());
     m_table.reset();
@@ -208,6 +228,7 @@ void Service::Reload()
     StartRegistry();
     CheckFilters();
     m_system.Start();
+    BeginPublication();
     Report({DeviceWarning::ConfigurationLoaded, Utf8ToUtf16(TextOfPath(m_options.document)), {}, {}}, 0);
 }
 
@@ -233,6 +254,9 @@ void Service::Supervise()
                 break;
             }
             round = std::min(round, left);
+        }
+        if (m_publication.IsRunning()) {
+            m_publication.Run(std::exchange(round, {}));
         }
         const StopSignal signal = signals.WaitForSignal(round);
         if (signal == StopSignal::HangUp) {
@@ -297,6 +321,11 @@ Summary Service::Figures() const
     Summary summary = Summarise();
     AddCounts(summary, m_before);
     summary.warnings += m_before.warnings;
+    const Publication::Figures published = m_publication.Count();
+    summary.ddeConversations = published.conversations;
+    summary.ddeLinks = published.links;
+    summary.ddePosts = published.posts;
+    summary.ddeMerged = published.merged;
     return summary;
 }
 

@@ -6,6 +6,7 @@
 #include "diagnostics/ZRDebugInfo.h"
 #include "hosts/kestrixd/LiveTable.h"
 #include "hosts/kestrixd/Options.h"
+#include "hosts/kestrixd/Publication.h"
 #include "hosts/kestrixd/Summary.h"
 #include "platform/ProcessLock.h"
 #include "platform/StopSignals.h"
@@ -47,6 +48,7 @@ private:
 
     // Fills the registry from the document in m_document and starts it.
     void StartRegistry();
+    void BeginPublication();
     void Reload();
     void Supervise();
     void TakeNotices();
@@ -64,6 +66,7 @@ private:
     ZRDebugInfo m_warnings;
     ZRMainCfg m_document;
     ZRCommSystem m_system;
+    Publication m_publication;
     std::unique_ptr<LiveTable> m_table;
     Summary m_before;  // of the registries that a reload took down, and of the warnings that were put away
     std::deque<std::string> m_messages;

@@ -28,8 +28,10 @@ void CountDevice(Summary& summary, const ZRDeviceDriver& driver)
 std::string Summary::Json() const
 {
     return fmt::format(R"({{"devices":{},"online":{},"variables":{},"valid":{},"ticks":{},"transactions":{},)"
-                       R"("timeouts":{},"dropped_frames":{},"warnings":{}}})",
-                       devices, online, variables, valid, ticks, transactions, timeouts, droppedFrames, warnings);
+                       R"("timeouts":{},"dropped_frames":{},"warnings":{},"dde_conversations":{},"dde_links":{},"dde_posts":{},)"
+                       R"("dde_merged":{}}})",
+                       devices, online, variables, valid, ticks, transactions, timeouts, droppedFrames, warnings,
+                       ddeConversations, ddeLinks, ddePosts, ddeMerged);
 }
 
 Summary Summarise()

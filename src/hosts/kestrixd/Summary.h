@@ -17,6 +17,11 @@ struct Summary {
     std::uint64_t droppedFrames = 0;  // received, and not believed
     std::uint64_t warnings = 0;       // entered in the warning list; events are not counted
 
+    std::uint64_t ddeConversations = 0;  // open with clients
+    std::uint64_t ddeLinks = 0;          // open with clients
+    std::uint64_t ddePosts = 0;          // changes published
+    std::uint64_t ddeMerged = 0;         // updates that a newer one replaced before a slow client took them
+
     // One line of JSON without a line end, keys in the order above.
     [[nodiscard]] std::string Json() const;
 };

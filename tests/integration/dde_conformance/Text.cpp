@@ -50,8 +50,7 @@ std::string Show(DWORD instance, HSZ string)
         return "-";
     }
     std::array<char16_t, 300> text{};
-    const DWORD length =
-        DdeQueryStringW(instance, string, text.data(), static_cast<DWORD>(text.size()), CP_WINUNICODE);
+    const DWORD length = DdeQueryStringW(instance, string, text.data(), static_cast<DWORD>(text.size()), CP_WINUNICODE);
     if (length > 40) {
         return Show(std::u16string_view(text.data(), 8)) + "...(" + std::to_string(length) + ")";
     }
@@ -123,6 +122,8 @@ std::string ErrorName(UINT error)
 
 std::string FormatName(UINT format)
 {
+    // 16 bits; may arrive with its sign extended.
+    format &= 0xFFFFU;
     if (format >= 0xC000) {
         std::array<char16_t, 64> name{};
         const int length = GetClipboardFormatNameW(format, name.data(), static_cast<int>(name.size()));

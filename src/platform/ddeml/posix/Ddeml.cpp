@@ -68,6 +68,7 @@ BOOL DdeUninitialize(DWORD instance)
         return 0;
     }
     Hub::Current()->End(*known);
+    Hub::ReleaseIfIdle();
     return 1;
 }
 
@@ -338,7 +339,9 @@ namespace zr::ddeml {
 bool Dispatch(std::chrono::milliseconds timeout)
 {
     Hub* hub = Hub::Make();
-    return hub != nullptr && hub->Dispatch(timeout);
+    const bool handled = hub != nullptr && hub->Dispatch(timeout);
+    Hub::ReleaseIfIdle();
+    return handled;
 }
 
 int PollDescriptor()

@@ -45,6 +45,13 @@ Hub* Hub::Make()
     return theHub.get();
 }
 
+void Hub::ReleaseIfIdle()
+{
+    if (theHub != nullptr && theHub->m_instances.empty() && theHub->m_depth == 0) {
+        theHub.reset();
+    }
+}
+
 Hub::~Hub()
 {
     while (!m_instances.empty()) {

@@ -61,6 +61,8 @@ public:
     static Hub* Current();
     // The same, made at need; null when the system gives no descriptors or no safe folder.
     static Hub* Make();
+    // Gives back the thread's descriptors when it has no instance left and none of its operations is under way.
+    static void ReleaseIfIdle();
 
     Hub() = default;
     ~Hub();

@@ -151,6 +151,7 @@ bool Hub::OnReply(const ConversationPtr& conversation, const Frame& frame)
     if (!processed) {
         transaction.error = (transaction.status & DDE_FBUSY) != 0 ? DMLERR_BUSY : DMLERR_NOTPROCESSED;
     } else if (transaction.type == XTYP_REQUEST) {
+        transaction.status = 0;
         transaction.data =
             NewData(conversation->owner->id, frame.data, FormatFromWire(frame.format, frame.first), HDATA_APPOWNED);
     }

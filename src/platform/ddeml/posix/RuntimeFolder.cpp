@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <memory>
 #include <random>
 #include <tuple>
@@ -211,8 +212,13 @@ bool RuntimeFolder::AddName(const std::string& token, std::u16string_view name) 
         bytes.push_back(static_cast<std::uint8_t>(unit & 0xFFU));
         bytes.push_back(static_cast<std::uint8_t>(unit >> 8U));
     }
-    if (write(out.Get(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()) &&
-        renameat(m_folder.Get(), draft.c_str(), m_folder.Get(), file.c_str()) == 0) {
+    const bool written = write(out.Get(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+    // The exact time: the file system's own is too coarse to tell the older of two servers.
+    std::array<timespec, 2> times{};
+    clock_gettime(CLOCK_REALTIME, &times[0]);
+    times[1] = times[0];
+    futimens(out.Get(), times.data());
+    if (written && renameat(m_folder.Get(), draft.c_str(), m_folder.Get(), file.c_str()) == 0) {
         return true;
     }
     unlinkat(m_folder.Get(), draft.c_str(), 0);

@@ -1,0 +1,14 @@
+// All checks, each printing what it saw.
+#pragma once
+
+#include "Peer.h"
+
+namespace conformance {
+
+void CheckStrings(Client& client);
+void CheckFormats();
+void CheckData(Client& client);
+// With the server running in this process or another.
+void CheckConversations(Client& client, Client& other);
+
+}  // namespace conformance

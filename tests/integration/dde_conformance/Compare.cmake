@@ -1,0 +1,12 @@
+# Runs PROGRAM in a runtime folder of its own below FOLDER and holds its output against EXPECTED, line by line.
+file(REMOVE_RECURSE ${FOLDER}/runtime)
+file(MAKE_DIRECTORY ${FOLDER}/runtime)
+set(ENV{XDG_RUNTIME_DIR} ${FOLDER}/runtime)
+execute_process(COMMAND ${PROGRAM} OUTPUT_FILE ${FOLDER}/seen.txt RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "${PROGRAM} ended with ${result}")
+endif()
+execute_process(COMMAND diff -u ${EXPECTED} ${FOLDER}/seen.txt RESULT_VARIABLE differs)
+if(differs)
+  message(FATAL_ERROR "the output differs from ${EXPECTED}")
+endif()

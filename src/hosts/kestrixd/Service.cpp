@@ -11,10 +11,10 @@
 #include "siblings/tools/Utf.h"
 #include "siblings/tools/ZRLoadString.h"
 
-#include <algorithm>
-#include <cstdio>
 #include <fmt/chrono.h>
 #include <fmt/format.h>
+#include <algorithm>
+#include <cstdio>
 #include <set>
 #include <system_error>
 #include <utility>
@@ -44,6 +44,7 @@ std::string Stamp()
 void Complain(const std::string& text)
 {
     fmt::print(stderr, "{}\n", text);
+    std::fflush(stderr);  // Windows keeps lines back that go to a file or a pipe
 }
 
 // Puts the filter files that come with the program where the user has none of that name.
@@ -248,8 +249,8 @@ void Service::Supervise()
         }
         std::chrono::milliseconds round = kRound;
         if (m_options.span) {
-            const auto left = std::chrono::ceil<std::chrono::milliseconds>(start + *m_options.span -
-                                                                           CurrentClock().Steady());
+            const auto left =
+                std::chrono::ceil<std::chrono::milliseconds>(start + *m_options.span - CurrentClock().Steady());
             if (left.count() <= 0) {
                 break;
             }

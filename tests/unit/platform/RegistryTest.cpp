@@ -35,7 +35,7 @@ TEST_F(Registry, CreatingAKeyMakesTheOnesAboveIt)
         EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
     }
     EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Soft", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"Software", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"Software\\Kestrix\\Tables", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
 }
 
 TEST_F(Registry, ValuesComeBackAsTheyWereSet)

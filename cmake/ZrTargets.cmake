@@ -62,8 +62,11 @@ function(zr_test name)
   zr_program(${name} ${ARGN})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main)
+  if(WIN32 AND CMAKE_CROSSCOMPILING)
+    set(drive "Z:")  # where Wine has this machine's files
+  endif()
   target_compile_definitions(${name} PRIVATE
-    ZR_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data" ZR_RESOURCES="${CMAKE_SOURCE_DIR}/resources")
+    ZR_TEST_DATA="${drive}${CMAKE_SOURCE_DIR}/tests/data" ZR_RESOURCES="${drive}${CMAKE_SOURCE_DIR}/resources")
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES LABELS unit TIMEOUT 300)
 endfunction()

@@ -1,4 +1,4 @@
-// Environment variables of one test, as they were before when it ends. Posix.
+// Environment variables of one test, as they were before when it ends.
 #pragma once
 
 #include <cstdlib>
@@ -25,11 +25,16 @@ public:
 private:
     void Set(const char* value)
     {
+#ifdef _WIN32
+        // An empty value takes the variable away there.
+        ::_putenv_s(m_name.c_str(), value != nullptr ? value : "");
+#else
         if (value != nullptr) {
             ::setenv(m_name.c_str(), value, 1);
         } else {
             ::unsetenv(m_name.c_str());
         }
+#endif
     }
 
     std::string m_name;

@@ -44,6 +44,7 @@ std::string Stamp()
 void Complain(const std::string& text)
 {
     fmt::print(stderr, "{}\n", text);
+    std::fflush(stderr);  // Windows keeps lines back that go to a file or a pipe
 }
 
 // Puts the filter files that come with the program where the user has none of that name.

@@ -35,6 +35,15 @@ bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::st
     const Handle file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     LARGE_INTEGER size = {};
+    if (!file.IsOpen()) {
+        const DWORD error = ::GetLastError();
+        const DWORD attributes = ::GetFileAttributesW(path.c_str());
+        if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+            reason = "is a folder";
+            return false;
+        }
+        ::SetLastError(error);
+    }
     if (!file.IsOpen() || !::GetFileSizeEx(file.Get(), &size)) {
         return Fail(reason, "can't be opened");
     }

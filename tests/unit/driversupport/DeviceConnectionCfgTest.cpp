@@ -65,11 +65,18 @@ TEST(ZRRSDeviceConnectionTest, RefusesWhatItCannotUseByName)
 
 TEST(ZRRSDeviceConnectionTest, APortIsTheSystemsUnlessTheMapSaysOtherwise)
 {
+#ifdef _WIN32
+    const std::string first = R"(\\.\COM1)";
+    const std::string second = R"(\\.\COM2)";
+#else
+    const std::string first = "/dev/ttyS0";
+    const std::string second = "/dev/ttyS1";
+#endif
     SetPortMap({{2, "/dev/ttyUSB0"}});
-    EXPECT_EQ(PortDevice(1), "/dev/ttyS0");
+    EXPECT_EQ(PortDevice(1), first);
     EXPECT_EQ(PortDevice(2), "/dev/ttyUSB0");
     SetPortMap({});
-    EXPECT_EQ(PortDevice(2), "/dev/ttyS1");
+    EXPECT_EQ(PortDevice(2), second);
 }
 
 TEST(ZRUDPDeviceConnectionTest, ReadsItsValues)

@@ -3,13 +3,16 @@
 #include "siblings/driversupport/DeviceWarning.h"
 #include "siblings/tools/XmlDocument.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <asio/buffer.hpp>
+#include <asio/io_context.hpp>
+#include <asio/ip/udp.hpp>
+#ifdef _WIN32
+#include <windows.h>
+// After it:
+#include <tlhelp32.h>
+#endif
 
-#include <cstring>
+#include <array>
 #include <filesystem>
 #include <stdexcept>
 
@@ -33,25 +36,6 @@ ActivitySignal& Activity()
 {
     static ActivitySignal signal;
     return signal;
-}
-
-sockaddr_in Loopback(int port)
-{
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    return address;
-}
-
-int BoundSocket()
-{
-    const int fd = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    const sockaddr_in address = Loopback(0);
-    if (fd < 0 || ::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        throw std::runtime_error("no loopback socket");
-    }
-    return fd;
 }
 
 }  // namespace
@@ -159,12 +143,23 @@ bool EchoDriver::SetOutput(VariableHandle handle, double value)
     return true;
 }
 
-UdpDevice::UdpDevice(Answer answer) : m_answer(std::move(answer)), m_socket(BoundSocket()), m_foreign(BoundSocket())
+struct UdpDevice::Sockets {
+    using Udp = asio::ip::udp;
+
+    static Udp::endpoint Loopback(int port)
+    {
+        return {asio::ip::address_v4::loopback(), static_cast<asio::ip::port_type>(port)};
+    }
+
+    asio::io_context context;
+    Udp::socket own{context, Loopback(0)};
+    Udp::socket foreign{context, Loopback(0)};
+    Udp::endpoint peer;
+};
+
+UdpDevice::UdpDevice(Answer answer) : m_answer(std::move(answer)), m_sockets(std::make_unique<Sockets>())
 {
-    sockaddr_in address{};
-    socklen_t size = sizeof address;
-    ::getsockname(m_socket, reinterpret_cast<sockaddr*>(&address), &size);
-    m_port = ntohs(address.sin_port);
+    m_port = m_sockets->own.local_endpoint().port();
     m_thread = std::thread([this] { Serve(); });
 }
 
@@ -172,41 +167,38 @@ UdpDevice::~UdpDevice()
 {
     m_stop = true;
     // Wakes the thread; a receiver that is stopping doesn't look at what comes.
-    const sockaddr_in address = Loopback(m_port);
-    ::sendto(m_foreign, "", 0, 0, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    asio::error_code ignored;
+    m_sockets->foreign.send_to(asio::buffer("", 0), Sockets::Loopback(m_port), 0, ignored);
     m_thread.join();
-    ::close(m_socket);
-    ::close(m_foreign);
 }
 
 void UdpDevice::Serve()
 {
     while (!m_stop) {
         std::array<std::uint8_t, 512> room;
-        std::vector<std::uint8_t> from(sizeof(sockaddr_in));
-        socklen_t size = sizeof(sockaddr_in);
-        const ssize_t received =
-            ::recvfrom(m_socket, room.data(), room.size(), 0, reinterpret_cast<sockaddr*>(from.data()), &size);
-        if (received <= 0 || m_stop) {
+        asio::ip::udp::endpoint from;
+        asio::error_code error;
+        const std::size_t received = m_sockets->own.receive_from(asio::buffer(room), from, 0, error);
+        if (error || received == 0 || m_stop) {
             continue;
         }
-        m_peer = from;
+        m_sockets->peer = from;
         ++requests;
         Activity().happened.notify_all();
-        m_answer(*this, {room.data(), static_cast<std::size_t>(received)});
+        m_answer(*this, {room.data(), received});
     }
 }
 
 void UdpDevice::Send(std::span<const std::uint8_t> frame)
 {
-    ::sendto(m_socket, frame.data(), frame.size(), 0, reinterpret_cast<const sockaddr*>(m_peer.data()),
-             static_cast<socklen_t>(m_peer.size()));
+    asio::error_code ignored;
+    m_sockets->own.send_to(asio::buffer(frame.data(), frame.size()), m_sockets->peer, 0, ignored);
 }
 
 void UdpDevice::SendForeign(std::span<const std::uint8_t> frame)
 {
-    ::sendto(m_foreign, frame.data(), frame.size(), 0, reinterpret_cast<const sockaddr*>(m_peer.data()),
-             static_cast<socklen_t>(m_peer.size()));
+    asio::error_code ignored;
+    m_sockets->foreign.send_to(asio::buffer(frame.data(), frame.size()), m_sockets->peer, 0, ignored);
 }
 
 void AnswerAtOnce(UdpDevice& device, std::span<const std::uint8_t> request)
@@ -226,6 +218,27 @@ void Configure(ZRDeviceConnection& connection, std::initializer_list<std::pair<c
     }
 }
 
+#ifdef _WIN32
+int OpenDescriptors()
+{
+    DWORD count = 0;
+    ::GetProcessHandleCount(::GetCurrentProcess(), &count);
+    return static_cast<int>(count);
+}
+
+int RunningThreads()
+{
+    const HANDLE all = ::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    int count = 0;
+    for (BOOL is = ::Thread32First(all, &entry); is != FALSE; is = ::Thread32Next(all, &entry)) {
+        count += entry.th32OwnerProcessID == ::GetCurrentProcessId() ? 1 : 0;
+    }
+    ::CloseHandle(all);
+    return count;
+}
+#else
 namespace {
 
 int Entries(const char* folder)
@@ -248,6 +261,7 @@ int RunningThreads()
 {
     return Entries("/proc/self/task");
 }
+#endif
 
 int CountNotices(int type, const char16_t* name)
 {

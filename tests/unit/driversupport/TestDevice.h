@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -72,10 +73,9 @@ public:
 private:
     void Serve();
     Answer m_answer;
-    int m_socket = -1;
-    int m_foreign = -1;
+    struct Sockets;
+    std::unique_ptr<Sockets> m_sockets;
     int m_port = 0;
-    std::vector<std::uint8_t> m_peer;  // a socket address
     std::atomic<bool> m_stop{false};
     std::thread m_thread;
 };

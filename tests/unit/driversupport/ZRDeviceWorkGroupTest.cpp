@@ -5,10 +5,12 @@
 #include "siblings/driversupport/ZRRSDeviceConnection.h"
 #include "TestDevice.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <fcntl.h>
 #include <pty.h>
 #include <unistd.h>
+#endif
 
 #include <random>
 
@@ -371,6 +373,7 @@ TEST_F(ZRDeviceWorkGroupTest, ComesToRestWhenItIsDestroyedWhileItRuns)
     EXPECT_EQ(driver.cancelled, 1);
 }
 
+#ifndef _WIN32  // It has no pseudo-terminals that serve as serial ports.
 // A device at the far end of a pseudo-terminal, played by the test itself.
 class SerialEnd {
 public:
@@ -459,6 +462,7 @@ TEST_F(ZRDeviceWorkGroupTest, OpensALostPortAgainWithOneWarningForAllItsDevices)
     EXPECT_EQ(CountNotices(kSilent, u"ON LOST") + CountNotices(kAgain, u"ON LOST"), 0);
     EXPECT_EQ(driver.wrongValues, 0);
 }
+#endif
 
 TEST_F(ZRDeviceWorkGroupTest, TakesAHostNameForAnAddress)
 {

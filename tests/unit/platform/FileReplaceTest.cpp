@@ -4,7 +4,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#ifndef _WIN32
 #include <sys/stat.h>
+#endif
 
 namespace {
 
@@ -35,12 +37,18 @@ TEST_F(FileReplace, RefusesAFileOverTheLimit)
 TEST_F(FileReplace, RefusesWhatIsNoRegularFile)
 {
     EXPECT_FALSE(zr::ReadWholeFile(m_folder / "absent", 10, m_bytes, m_reason));
+#ifdef _WIN32
+    EXPECT_EQ(m_reason, "can't be opened: system error 2");
+#else
     EXPECT_THAT(m_reason, testing::HasSubstr("No such file"));
+#endif
     EXPECT_FALSE(zr::ReadWholeFile(m_folder.Path(), 10, m_bytes, m_reason));
     EXPECT_EQ(m_reason, "is a folder");
+#ifndef _WIN32
     ASSERT_EQ(::mkfifo((m_folder / "pipe").c_str(), 0600), 0);
     EXPECT_FALSE(zr::ReadWholeFile(m_folder / "pipe", 10, m_bytes, m_reason));
     EXPECT_EQ(m_reason, "is not a regular file");
+#endif
 }
 
 TEST_F(FileReplace, ReplacesAFileAndLeavesNothingElse)
@@ -51,6 +59,7 @@ TEST_F(FileReplace, ReplacesAFileAndLeavesNothingElse)
     EXPECT_THAT(m_folder.Names(), testing::ElementsAre("f"));
 }
 
+#ifndef _WIN32  // There it is the access list of the folder that keeps others out; links need a right.
 TEST_F(FileReplace, WritesForItsOwnerOnly)
 {
     EXPECT_TRUE(zr::WriteFileReplacing(m_folder / "f", "new", m_reason)) << m_reason;
@@ -65,6 +74,7 @@ TEST_F(FileReplace, KeepsASymbolicLink)
     EXPECT_TRUE(std::filesystem::is_symlink(m_folder / "link"));
     EXPECT_EQ(m_folder.Read("target"), "new");
 }
+#endif
 
 TEST_F(FileReplace, AFailureLeavesTheOldFileAndNoTemporaryOne)
 {
@@ -80,8 +90,11 @@ TEST_F(FileReplace, AFailureLeavesTheOldFileAndNoTemporaryOne)
 TEST_F(FileReplace, MakesFoldersForTheirOwnerOnly)
 {
     EXPECT_TRUE(zr::MakePrivateFolder(m_folder / "a" / "b", m_reason)) << m_reason;
+    EXPECT_TRUE(std::filesystem::is_directory(m_folder / "a" / "b"));
+#ifndef _WIN32
     EXPECT_EQ(std::filesystem::status(m_folder / "a").permissions(), std::filesystem::perms(0700));
     EXPECT_EQ(std::filesystem::status(m_folder / "a" / "b").permissions(), std::filesystem::perms(0700));
+#endif
     EXPECT_TRUE(zr::MakePrivateFolder(m_folder / "a" / "b", m_reason));
     m_folder.Write("file", "");
     EXPECT_FALSE(zr::MakePrivateFolder(m_folder / "file" / "c", m_reason));

@@ -4,12 +4,24 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#ifndef _WIN32
 #include <unistd.h>
+#endif
 
 namespace {
 
 using zr::test::Environment;
 
+#ifdef _WIN32
+TEST(Paths, FollowTheFoldersOfTheUser)
+{
+    const Environment roaming("APPDATA", "C:\\r");
+    const Environment local("LOCALAPPDATA", "C:\\l");
+    EXPECT_EQ(zr::ConfigFolder(), L"C:\\r\\Kestrix");
+    EXPECT_EQ(zr::DataFolder(), L"C:\\l\\Kestrix");
+    EXPECT_EQ(zr::RuntimeFolder(), L"C:\\l\\Kestrix\\run");
+}
+#else
 TEST(Paths, FollowTheBaseDirectoriesOfTheUser)
 {
     const Environment config("XDG_CONFIG_HOME", "/c");
@@ -34,6 +46,7 @@ TEST(Paths, TheRuntimeFolderIsTheUsersOwnWithoutTheVariable)
     const Environment runtime("XDG_RUNTIME_DIR", nullptr);
     EXPECT_THAT(zr::RuntimeFolder().string(), testing::HasSubstr(std::to_string(::getuid())));
 }
+#endif
 
 TEST(Paths, ResourcesAreBesideTheProgramUnlessToldOtherwise)
 {
@@ -43,7 +56,7 @@ TEST(Paths, ResourcesAreBesideTheProgramUnlessToldOtherwise)
     }
     const Environment resources("KESTRIX_RESOURCES", nullptr);
     EXPECT_EQ(zr::ResourceFolder(), zr::ProgramFile().parent_path().parent_path() / "share/kestrix");
-    EXPECT_EQ(zr::ProgramFile().filename(), "test_platform");
+    EXPECT_EQ(zr::ProgramFile().stem(), "test_platform");
 }
 
 }  // namespace

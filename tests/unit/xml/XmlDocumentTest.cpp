@@ -212,8 +212,10 @@ TEST_F(XmlDocumentTest, SaveLeavesOnlyTheFileAndOnlyForItsOwner)
     document.SetFileName((m_folder / "plant.xml").u16string().c_str());
     ASSERT_TRUE(document.Save()) << document.Error().Message();
     EXPECT_THAT(m_folder.Names(), testing::ElementsAre("plant.xml"));
+#ifndef _WIN32  // There it is the folder's access list that keeps others out.
     EXPECT_EQ(std::filesystem::status(m_folder / "plant.xml").permissions(),
               std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+#endif
     EXPECT_THAT(m_folder.Read("plant.xml"), testing::HasSubstr("<new/>"));
 }
 

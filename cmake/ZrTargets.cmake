@@ -27,11 +27,6 @@ else()
   target_compile_options(zr_warnings INTERFACE -Wno-zero-as-null-pointer-constant)
 endif()
 
-if(ZR_FUZZ)
-  # The fuzz targets see only code that is instrumented: the libraries have to be.
-  add_compile_options(-fsanitize=fuzzer-no-link)
-endif()
-
 if(ZR_SANITIZE)
   add_compile_options(-fsanitize=${ZR_SANITIZE} -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ZR_SANITIZE})

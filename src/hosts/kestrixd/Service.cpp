@@ -102,9 +102,11 @@ int Service::Run()
     if (!CheckFilters()) {
         return kBadInput;
     }
+    // From here on a signal is ours: whoever has read the first line may send one.
+    StopSignals signals;
     m_system.Start();
     BeginPublication();
-    Supervise();
+    Supervise(signals);
     return Finish();
 }
 
@@ -233,10 +235,9 @@ void Service::Reload()
     Report({DeviceWarning::ConfigurationLoaded, Utf8ToUtf16(TextOfPath(m_options.document)), {}, {}}, 0);
 }
 
-void Service::Supervise()
+void Service::Supervise(StopSignals& signals)
 {
     using std::chrono::steady_clock;
-    StopSignals signals;
     m_showsTable = IsTerminal() && !m_options.json;
     if (m_showsTable) {
         fmt::print("{}", kOpenScreen);

@@ -50,7 +50,7 @@ private:
     void StartRegistry();
     void BeginPublication();
     void Reload();
-    void Supervise();
+    void Supervise(StopSignals& signals);
     void TakeNotices();
     void Report(const DeviceNotice& notice, std::size_t line);
     void Log(const std::string& text);

@@ -1,0 +1,17 @@
+// The pictures of the suite, by number.
+#pragma once
+
+#include <filesystem>
+#include <QIcon>
+
+namespace zr::ui {
+
+// Where the picture files are; the host sets it before the first window. Without it every picture is empty.
+void SetImageFolder(const std::filesystem::path& folder);
+// The picture of a number of the table in Images.cpp; an empty icon for one that isn't there. Drawn from vectors, at
+// any scale. UI thread only.
+QIcon Image(unsigned number);
+// The picture of a file's title in that folder, such as the icon name of a device profile.
+QIcon NamedImage(const QString& name);
+
+}  // namespace zr::ui

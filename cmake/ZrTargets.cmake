@@ -51,12 +51,12 @@ function(zr_program name)
   target_link_libraries(${name} PRIVATE zr_warnings)
 endfunction()
 
-# zr_ui_test(name SOURCES...): likewise, below tests/ui, of real windows that no screen shows. tests/ui/support/UiTestMain.cpp
+# zr_ui_test(name SOURCES...): likewise, below tests/ui, of real windows that no screen shows. support/UiTestMain.cpp there
 # makes the application.
 function(zr_ui_test name)
-  zr_program(${name} ${ARGN} ${CMAKE_SOURCE_DIR}/tests/ui/support/UiTestMain.cpp)
+  zr_program(${name} ${ARGN})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE zrcoreui GTest::gmock Qt6::Test)
+  target_link_libraries(${name} PRIVATE ui_test_main zrcoreui GTest::gmock Qt6::Test)
   target_compile_definitions(${name} PRIVATE
     ZR_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data" ZR_RESOURCES="${CMAKE_SOURCE_DIR}/resources")
   add_test(NAME ${name} COMMAND ${name})

@@ -21,6 +21,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kSilent = static_cast<int>(DeviceWarning::DeviceSilent);
+constexpr int kDamaged = static_cast<int>(DeviceWarning::DeviceAnswersDamaged);
 constexpr int kAgain = static_cast<int>(DeviceWarning::DeviceAnswersAgain);
 
 class ZRDeviceWorkGroupTest : public testing::Test {
@@ -261,6 +262,28 @@ TEST_F(ZRDeviceWorkGroupTest, WarnsOnceOfADeviceThatWasNeverThereAndPicksItUp)
     isMute = false;
     ASSERT_TRUE(WaitFor([&] { return driver.Online(); }));
     EXPECT_TRUE(WaitFor([&] { return CountNotices(kAgain, u"ABSENT") == 1; }));
+}
+
+TEST_F(ZRDeviceWorkGroupTest, TellsADeviceThatOnlySendsDamageFromASilentOne)
+{
+    std::atomic<bool> isBroken{true};
+    UdpDevice device([&](UdpDevice& self, std::span<const std::uint8_t> request) {
+        std::vector<std::uint8_t> reply = EchoReply(request[1], static_cast<std::uint8_t>(request[1] + request[2]));
+        reply[3] = static_cast<std::uint8_t>(reply[3] + (isBroken ? 1 : 0));
+        self.Send(reply);
+    });
+    Configure(device, "20");
+    EchoDriver driver(u"BROKEN", 1, 1ms);
+    ZRDeviceWorkGroup group(u"NET");
+    group.Add(&driver);
+    ASSERT_TRUE(group.Start(&connection));
+    ASSERT_TRUE(WaitFor([&] { return CountNotices(kSilent, u"BROKEN") + CountNotices(kDamaged, u"BROKEN") > 0; }));
+    EXPECT_EQ(CountNotices(kDamaged, u"BROKEN"), 1);
+    EXPECT_FALSE(driver.Online());
+    isBroken = false;
+    EXPECT_TRUE(WaitFor([&] { return CountNotices(kAgain, u"BROKEN") == 1; }));
+    EXPECT_TRUE(WaitFor([&] { return driver.Online() && driver.Store()->At(0).IsValid(); }));
+    EXPECT_EQ(CountNotices(kSilent, u"BROKEN"), 0);
 }
 
 TEST_F(ZRDeviceWorkGroupTest, NeverBelievesWhatIsLateDoubledDamagedCutOrForeign)

@@ -2,6 +2,7 @@
 
 #include "siblings/driversupport/DeviceWarning.h"
 #include "siblings/driversupport/ServiceTimes.h"
+#include "siblings/driversupport/UdpWire.h"
 #include "siblings/driversupport/ZRRSDeviceConnection.h"
 #include "TestDevice.h"
 
@@ -486,6 +487,49 @@ TEST_F(ZRDeviceWorkGroupTest, OpensALostPortAgainWithOneWarningForAllItsDevices)
     EXPECT_EQ(driver.wrongValues, 0);
 }
 #endif
+
+// Its host name stands for the addresses that the test says.
+class NamedConnection final : public ZRUDPDeviceConnection {
+public:
+    explicit NamedConnection(const UdpDevice& device)
+    {
+        test::Configure(
+            *this,
+            {{u"Name", "MOVED"}, {u"Address", "there"}, {u"Socket", std::to_string(device.Port())}, {u"TimeOut", "4"}});
+    }
+
+    std::atomic<int> lookups{0};
+    std::atomic<bool> hasMoved{false};
+
+protected:
+    std::unique_ptr<Wire> MakeWire(IoContext& wireContext, Wire::Listener& listener) override
+    {
+        const HostLookup lookup = [this](const std::string&, const HostsFound& found) {
+            ++lookups;
+            found({hasMoved ? "127.0.0.1" : "127.0.0.2"}, {});
+        };
+        return MakeUdpWire(wireContext, listener, Address(), static_cast<std::uint16_t>(Socket()), lookup);
+    }
+};
+
+TEST_F(ZRDeviceWorkGroupTest, FindsDevicesThatHaveMovedAfterLongSilence)
+{
+    ServiceTimes times = CurrentServiceTimes();
+    times.longSilence = 10ms;
+    SetServiceTimes(times);
+    UdpDevice device(AnswerAtOnce);
+    NamedConnection named(device);
+    EchoDriver driver(u"MOVES", 1, 1ms);
+    ZRDeviceWorkGroup group(u"MOVED");
+    group.Add(&driver);
+    ASSERT_TRUE(group.Start(&named));
+    ASSERT_TRUE(WaitFor([&] { return named.lookups > 2; }));
+    EXPECT_FALSE(driver.Online());
+    named.hasMoved = true;
+    EXPECT_TRUE(WaitFor([&] { return driver.Online(); }));
+    group.Stop();
+    EXPECT_TRUE(WaitFor([&] { return group.Stopped(); }));
+}
 
 TEST_F(ZRDeviceWorkGroupTest, TakesAHostNameForAnAddress)
 {

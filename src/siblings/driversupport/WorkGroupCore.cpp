@@ -5,6 +5,7 @@
 
 namespace zr {
 
+using Heard = DeviceHealth::Heard;
 using Task = PollSchedule::Task;
 using Clock = std::chrono::steady_clock;
 
@@ -124,7 +125,7 @@ ZRDeviceTransaction* WorkGroupCore::RequestFor(const PollSchedule::Turn& turn, D
         case Task::Probe:
             transaction = member.driver->ProbeTransaction();
             if (transaction == nullptr) {
-                member.health.TimedOut(now, {});
+                member.health.TimedOut(now, {}, Heard::Nothing);
                 m_schedule.Park(turn.member, member.health.ProbeAt());
             }
             break;
@@ -196,13 +197,16 @@ void WorkGroupCore::TimedOut(Member& member, const ZRDeviceTransaction& transact
         m_schedule.Hold(transaction.unit, m_connection.UnitFreeAt(transaction.unit));
     }
     const auto cost = HasOthersOnline(member) ? transaction.took : Clock::duration::zero();
-    const DeviceHealth::Change change = member.health.TimedOut(Clock::now(), cost);
+    const Heard heard = transaction.droppedFrames > 0 ? Heard::Damage : Heard::Nothing;
+    const DeviceHealth::Change change = member.health.TimedOut(Clock::now(), cost, heard);
     if (member.health.IsSilent()) {
         m_schedule.Park(m_asked, member.health.ProbeAt());
         member.driver->SetOnline(false);
     }
     if (change == DeviceHealth::Change::Silent) {
         PostNotice(DeviceWarning::DeviceSilent, member.driver->name, m_connection.name);
+    } else if (change == DeviceHealth::Change::Damaged) {
+        PostNotice(DeviceWarning::DeviceAnswersDamaged, member.driver->name, m_connection.name);
     }
 }
 

@@ -1,6 +1,6 @@
 // zrdde: a client of the publication of live values.
+#include "dde/LinkText.h"
 #include "hosts/zrdde/AdviseCommand.h"
-#include "hosts/zrdde/LinkText.h"
 #include "hosts/zrdde/Options.h"
 #include "platform/Ddeml.h"
 #include "siblings/tools/Utf.h"
@@ -30,8 +30,8 @@ int ListServices()
 
 int PrintLinks(const Options& options)
 {
-    fmt::print("{}\n", Utf16ToUtf8(LinkReference(options.service, options.device, options.variable)));
-    fmt::print("{}\n", Utf16ToUtf8(LinkFunction(options.service, options.device, options.variable)));
+    fmt::print("{}\n", Utf16ToUtf8(dde::LinkReference(options.service, options.device, options.variable)));
+    fmt::print("{}\n", Utf16ToUtf8(dde::LinkFunction(options.service, options.device, options.variable)));
     return kDone;
 }
 

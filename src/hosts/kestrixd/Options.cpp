@@ -1,6 +1,7 @@
 #include "hosts/kestrixd/Options.h"
 
 #include "dde/DdeIds.h"
+#include "platform/FileReplace.h"
 #include "siblings/tools/Utf.h"
 
 #include <charconv>
@@ -34,12 +35,15 @@ ParsedOptions ParseOptions(int argc, char** argv)
     long update = std::chrono::milliseconds(zr::dde::kDefaultUpdatePeriod).count();
     bool publishesNothing = false;
     std::vector<std::string> ports;
+    std::string document;
+    std::string dataFolder;
     CLI::App app(
         "Supervises the devices of a configuration document: polls them, shows their values and reports what "
         "goes wrong on standard error. Ends on SIGINT or SIGTERM; SIGHUP reads the document again.",
         "kestrixd");
-    app.add_option("CONFIG", options.document, "the configuration document (XML)")->required();
-    app.add_option("--data", options.dataFolder, "folder of the filter files (default: the user's data folder)");
+    app.allow_windows_style_options(false);  // one command line on every system, and paths that begin with a slash
+    app.add_option("CONFIG", document, "the configuration document (XML)")->required();
+    app.add_option("--data", dataFolder, "folder of the filter files (default: the user's data folder)");
     CLI::Option* span = app.add_option("--for", seconds, "supervise that many seconds, then end")
                             ->type_name("SECONDS")
                             ->check(CLI::Range(1L, 1000000000L));
@@ -60,6 +64,8 @@ ParsedOptions ParseOptions(int argc, char** argv)
     } catch (const CLI::ParseError& error) {
         return {std::nullopt, app.exit(error) == 0 ? 0 : 2};
     }
+    options.document = PathFromText(document);
+    options.dataFolder = PathFromText(dataFolder);
     options.updatePeriod = std::chrono::milliseconds(update);
     if (publishesNothing) {
         options.serviceName.clear();

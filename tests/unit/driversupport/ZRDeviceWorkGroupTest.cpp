@@ -397,6 +397,23 @@ TEST_F(ZRDeviceWorkGroupTest, ComesToRestWhenItIsDestroyedWhileItRuns)
     EXPECT_EQ(driver.cancelled, 1);
 }
 
+TEST_F(ZRDeviceWorkGroupTest, ComesToRestHoweverOftenItIsDestroyedJustAfterItsStart)
+{
+    UdpDevice device(AnswerAtOnce);
+    Configure(device, "1000");
+    EchoDriver driver(u"BRIEF", 1, 0ms);
+    ZRUDPDeviceConnection other;
+    ZRDeviceWorkGroup bystander(u"NET");  // keeps the threads
+    test::Configure(other, {{u"Name", "OTHER"}, {u"Address", "127.0.0.1"}, {u"Socket", "9"}});
+    ASSERT_TRUE(bystander.Start(&other));
+    for (int round = 0; round < 3000; ++round) {
+        ZRDeviceWorkGroup group(u"NET");
+        group.Add(&driver);
+        ASSERT_TRUE(group.Start(&connection));
+    }
+    EXPECT_FALSE(driver.Online());
+}
+
 #ifndef _WIN32  // It has no pseudo-terminals that serve as serial ports.
 // A device at the far end of a pseudo-terminal, played by the test itself.
 class SerialEnd {

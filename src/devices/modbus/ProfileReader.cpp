@@ -143,7 +143,7 @@ bool ProfileReader::ReadVariable(const XmlNode& xml)
     if (node.Error().empty() && !ReadNamedValues(xml, layout, variable))
         return false;
     ReadRange(node, layout, variable);
-    ReadLimits(node, layout, variable);
+    ReadBounds(node, layout, variable);
     node.AllowOnly(
         {"name",          "description",   "function",      "register",         "type",          "length",   "words",
          "bit",           "write",         "writeRegister", "registerExponent", "valueExponent", "decimals", "unit",
@@ -265,7 +265,7 @@ void ProfileReader::ReadRange(CheckedNode& node, const VariableLayout& layout, V
         node.Fail("maximum", "not above minimum");
 }
 
-void ProfileReader::ReadLimits(CheckedNode& node, const VariableLayout& layout, VariableDescription& variable)
+void ProfileReader::ReadBounds(CheckedNode& node, const VariableLayout& layout, VariableDescription& variable)
 {
     const bool named = !variable.values.empty();
     if (!TakesNumbers(layout.type) || named || !node.Has("nominal")) {

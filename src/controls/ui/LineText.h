@@ -11,8 +11,8 @@ class QPainter;
 
 namespace zr::controls {
 
-// Lines of plain characters are measured and painted from a table of the font's glyphs that all controls share, anything
-// else by Qt's own layout. Both ways set a character after the other, without kerning. UI thread only.
+// Lines of plain characters are measured and painted from a table of the font's glyphs that all controls share,
+// anything else by Qt's own layout. Both ways set a character after the other, without kerning. UI thread only.
 class LineText {
 public:
     explicit LineText(const QFont& font);

@@ -248,7 +248,7 @@ TEST_F(CGoToDateDlgTest, PicksNothingBefore2000)
 
 TEST_F(CGoToDateDlgTest, PicksNothingAfter2133)
 {
-    constexpr double kLastDay2133 = 85467.0;
+    constexpr double kLastDay2133 = 85468.0;
     CGoToDateDlg dialog(nullptr);
     dialog.SetDate(kLastDay2133);
     EXPECT_EQ(dialog.GetDate(), Date(2133, 12, 31));

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string>
 
-namespace zr::service {
+namespace zr::supervision {
 
 // Publishes every device under one service name while it is begun. Main loop only.
 class Publication {
@@ -40,4 +40,4 @@ private:
     std::uint64_t m_mergedBefore = 0;  // of the instances that were ended
 };
 
-}  // namespace zr::service
+}  // namespace zr::supervision

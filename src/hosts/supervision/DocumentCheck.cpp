@@ -1,4 +1,4 @@
-#include "hosts/kestrixd/ServiceCheck.h"
+#include "hosts/supervision/DocumentCheck.h"
 
 #include "siblings/driversupport/ZRDeviceDriver.h"
 #include "siblings/driversupport/ZRRSDeviceConnection.h"
@@ -7,7 +7,7 @@
 #include <memory>
 #include <set>
 
-namespace zr::service {
+namespace zr::supervision {
 namespace {
 
 class Check {
@@ -110,4 +110,4 @@ std::vector<Finding> CheckDocument(const XmlNode* commSystem)
     return std::move(check.findings);
 }
 
-}  // namespace zr::service
+}  // namespace zr::supervision

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-namespace zr::service {
+namespace zr::supervision {
 
 struct Summary {
     std::uint64_t devices = 0;        // configured
@@ -29,4 +29,4 @@ struct Summary {
 // What the registry holds now. Communication counters are those since its last reset. Main loop only.
 Summary Summarise();
 
-}  // namespace zr::service
+}  // namespace zr::supervision

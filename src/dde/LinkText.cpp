@@ -1,8 +1,8 @@
-#include "hosts/zrdde/LinkText.h"
+#include "dde/LinkText.h"
 
 #include <algorithm>
 
-namespace zr::ddeclient {
+namespace zr::dde {
 namespace {
 
 std::u16string Quoted(std::u16string_view text, char16_t mark)
@@ -37,4 +37,4 @@ std::u16string LinkFunction(std::u16string_view service, std::u16string_view top
     return u"=DDE(" + Quoted(service, u'"') + u";" + Quoted(topic, u'"') + u";" + Quoted(item, u'"') + u")";
 }
 
-}  // namespace zr::ddeclient
+}  // namespace zr::dde

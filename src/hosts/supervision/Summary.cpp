@@ -1,4 +1,4 @@
-#include "hosts/kestrixd/Summary.h"
+#include "hosts/supervision/Summary.h"
 
 #include "comm/ZRCommSystem.h"
 #include "diagnostics/ZRDebugInfo.h"
@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 #include <algorithm>
 
-namespace zr::service {
+namespace zr::supervision {
 namespace {
 
 void CountDevice(Summary& summary, const ZRDeviceDriver& driver)
@@ -58,4 +58,4 @@ Summary Summarise()
     return summary;
 }
 
-}  // namespace zr::service
+}  // namespace zr::supervision

@@ -1,4 +1,4 @@
-#include "hosts/kestrixd/Publication.h"
+#include "hosts/supervision/Publication.h"
 
 #include "dde/ZRDDEValues.h"
 #include "platform/Ddeml.h"
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace zr::service {
+namespace zr::supervision {
 
 Publication::Publication(std::string serviceName, std::chrono::milliseconds period)
     : m_serviceName(std::move(serviceName)), m_period(period)
@@ -61,4 +61,4 @@ Publication::Figures Publication::Count() const
     return figures;
 }
 
-}  // namespace zr::service
+}  // namespace zr::supervision

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace zr::service {
+namespace zr::supervision {
 
 struct Finding {
     std::size_t line;  // of the node in its file, one-based
@@ -19,4 +19,4 @@ struct Finding {
 // the registry is empty, since it builds and drops each object once.
 std::vector<Finding> CheckDocument(const XmlNode* commSystem);
 
-}  // namespace zr::service
+}  // namespace zr::supervision

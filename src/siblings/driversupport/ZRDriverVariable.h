@@ -47,6 +47,9 @@ public:
     void Value(tagSVariableValue& value) override;
     bool ValueInfo(ZRDeviceDriver::tagSVariableValueInfo& info) const;
 
+    // What Value() reads: null when not locked; valid until the variable is unlocked.
+    const zr::LiveValue* Live() const;
+
     // Of a locked variable; null otherwise. Not owned, and stale once the device is gone.
     ZRDeviceDriver* driver = nullptr;
 

@@ -1,5 +1,7 @@
 #include "siblings/tools/Numbers.h"
 
+#include "siblings/tools/Utf.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -20,16 +22,6 @@ bool IsDigit(wchar character)
 bool IsBlank(wchar character)
 {
     return character == u' ' || character == u'\t' || character == 0xA0 || character == 0x202F;
-}
-
-ZRBasicString Widen(std::string_view ascii)
-{
-    ZRBasicString out;
-    out.Reserve(ascii.size());
-    for (const char character : ascii) {
-        out += static_cast<wchar>(static_cast<unsigned char>(character));
-    }
-    return out;
 }
 
 // The C locale's record, for FormatNumber without the user's.
@@ -71,7 +63,7 @@ std::vector<bool> GroupStarts(const Locale& locale, std::size_t digits)
 void AppendGrouped(ZRBasicString& out, std::string_view digits, const Locale& locale)
 {
     if (GroupSize(locale, 0) == 0) {
-        out += Widen(digits);
+        out += Utf8ToUtf16(digits);
         return;
     }
     const std::vector<bool> starts = GroupStarts(locale, digits.size());
@@ -181,7 +173,7 @@ int FormatNumber(ZRBasicString& out, double value, int decimals, const Locale& l
     AppendGrouped(out, digits.substr(0, point), locale);
     if (point < digits.size()) {
         out += locale.decimalSeparator;
-        out += Widen(digits.substr(point + 1));
+        out += Utf8ToUtf16(digits.substr(point + 1));
     }
     return static_cast<int>(out.Length());
 }

@@ -51,6 +51,18 @@ function(zr_program name)
   target_link_libraries(${name} PRIVATE zr_warnings)
 endfunction()
 
+# zr_ui_test(name SOURCES...): likewise, below tests/ui, of real windows that no screen shows. support/UiTestMain.cpp there
+# makes the application.
+function(zr_ui_test name)
+  zr_program(${name} ${ARGN})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE ui_test_main zrcoreui GTest::gmock Qt6::Test)
+  target_compile_definitions(${name} PRIVATE
+    ZR_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data" ZR_RESOURCES="${CMAKE_SOURCE_DIR}/resources")
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES LABELS ui TIMEOUT 300 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()
+
 # zr_test(name SOURCES...): a GoogleTest program below tests/unit; one ctest entry.
 # Tests get the source tree's folders as ZR_TEST_DATA and ZR_RESOURCES, and tests/ as include folder.
 function(zr_test name)

@@ -146,9 +146,52 @@ class CheckTexts(LintCase):
         self.refuses("check_texts", "text 515")
 
     def test_looks_into_every_language(self):
-        self.write("resources/language/de.txt", "515\tJa\n")
-        self.write("src/comm/TextIds.h", "constexpr unsigned kTextNoVariable = 514;\n")
-        self.refuses("check_texts", "de.txt")
+        self.write("resources/language/de.txt", "514\tKeine\n")
+        self.write("resources/language/es.txt", "514\tNinguna\n")
+        self.write("src/comm/TextIds.h", "constexpr unsigned kTextGone = 515;\n")
+        output = self.check("check_texts")
+        for file in ("de.txt", "en.txt", "es.txt"):
+            self.assertIn(file, output)
+
+    def test_refuses_a_tree_without_the_texts(self):
+        (self.root / "resources/language/en.txt").unlink()
+        self.refuses("check_texts", "resources/language/en.txt")
+
+    def other(self, english, text):
+        self.write("resources/language/en.txt", f"514\t{english}\n")
+        self.write("resources/language/de.txt", text)
+
+    def test_accepts_a_translation(self):
+        self.other("&Week %d: %s, 100 %%", "# Deutsch\n514\tW&oche %d: %s zu 100 %%\n")
+        self.accepts("check_texts")
+
+    def test_refuses_a_text_that_is_not_translated(self):
+        self.other("Week", "# Deutsch\n")
+        self.refuses("check_texts", "de.txt", "text 514", "missing")
+
+    def test_refuses_a_translation_of_nothing(self):
+        self.other("Week", "514\tWoche\n515\tJahr\n")
+        self.refuses("check_texts", "de.txt", "text 515", "not in en.txt")
+
+    def test_refuses_placeholders_of_another_kind(self):
+        self.other("Week %d", "514\tWoche %s\n")
+        self.refuses("check_texts", "de.txt", "text 514", "%d")
+
+    def test_refuses_placeholders_in_another_order(self):
+        self.other("%d of %s", "514\t%s: %d\n")
+        self.refuses("check_texts", "de.txt", "text 514", "%d %s")
+
+    def test_refuses_a_placeholder_that_is_left_out(self):
+        self.other("Week %d", "514\tWoche\n")
+        self.refuses("check_texts", "de.txt", "text 514")
+
+    def test_refuses_a_placeholder_of_another_form(self):
+        self.other("%.2f V", "514\t%f V\n")
+        self.refuses("check_texts", "de.txt", "text 514", "%.2f")
+
+    def test_refuses_a_mnemonic_in_one_language_only(self):
+        self.other("&File", "514\tDatei\n")
+        self.refuses("check_texts", "de.txt", "text 514", "mnemonic")
 
     def test_leaves_other_constants_alone(self):
         self.write("src/comm/Sizes.h", "constexpr int kMaxTextWidth = 99;\nconstexpr std::size_t kMessageBuffer = 1024;\n")

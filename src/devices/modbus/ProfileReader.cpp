@@ -143,10 +143,12 @@ bool ProfileReader::ReadVariable(const XmlNode& xml)
     if (node.Error().empty() && !ReadNamedValues(xml, layout, variable))
         return false;
     ReadRange(node, layout, variable);
+    ReadBounds(node, layout, variable);
     node.AllowOnly(
         {"name",          "description",   "function",      "register",         "type",          "length",   "words",
          "bit",           "write",         "writeRegister", "registerExponent", "valueExponent", "decimals", "unit",
-         "unitsExponent", "unitsDecimals", "class",         "splittable",       "minimum",       "maximum"});
+         "unitsExponent", "unitsDecimals", "class",         "splittable",       "minimum",       "maximum",  "nominal",
+         "lowWarning",    "lowAlarm",      "highWarning",   "highAlarm"});
     const std::string what =
         variable.name.IsEmpty() ? "variable: " : fmt::format("variable \"{}\": ", Utf16ToUtf8(variable.name));
     if (!Passed(xml, node, what))
@@ -261,6 +263,42 @@ void ProfileReader::ReadRange(CheckedNode& node, const VariableLayout& layout, V
     variable.maximum = node.Number("maximum", -kLargest, kLargest, 0.0);
     if (node.Has("minimum") && !(variable.minimum < variable.maximum))
         node.Fail("maximum", "not above minimum");
+}
+
+void ProfileReader::ReadBounds(CheckedNode& node, const VariableLayout& layout, VariableDescription& variable)
+{
+    const bool named = !variable.values.empty();
+    if (!TakesNumbers(layout.type) || named || !node.Has("nominal")) {
+        const char* const reason = !TakesNumbers(layout.type) || named ? "only a number has one" : "needs nominal";
+        for (const char* name : {"nominal", "lowWarning", "lowAlarm", "highWarning", "highAlarm"})
+            node.Forbid(name, reason);
+        return;
+    }
+    constexpr double kLargest = std::numeric_limits<double>::max();
+    const bool isFolded = variable.measureUnits == static_cast<std::int32_t>(MeasureUnit::PowerFactor);
+    // Where a number stands on the scale that the limits are compared on.
+    const auto scale = [isFolded](double x) { return isFolded && x < 0.0 ? x + 2.0 : x; };
+    VariableLimits limits;
+    limits.nominal = node.Number("nominal", -kLargest, kLargest);
+    limits.hasLow = node.Has("lowAlarm") || node.Has("lowWarning");
+    limits.hasHigh = node.Has("highAlarm") || node.Has("highWarning");
+    if (!(limits.nominal > 0.0))
+        node.Fail("nominal", "not above 0");
+    if (!limits.hasLow && !limits.hasHigh)
+        node.Fail("nominal", "stands only with limits");
+    if (limits.hasLow) {
+        limits.lowAlarm = node.Number("lowAlarm", -kLargest, kLargest);
+        limits.lowWarning = node.Number("lowWarning", -kLargest, kLargest, limits.lowAlarm);
+        if (!(scale(limits.lowAlarm) <= scale(limits.lowWarning) && scale(limits.lowWarning) < limits.nominal))
+            node.Fail("lowWarning", "not from lowAlarm to below nominal");
+    }
+    if (limits.hasHigh) {
+        limits.highAlarm = node.Number("highAlarm", -kLargest, kLargest);
+        limits.highWarning = node.Number("highWarning", -kLargest, kLargest, limits.highAlarm);
+        if (!(limits.nominal < scale(limits.highWarning) && scale(limits.highWarning) <= scale(limits.highAlarm)))
+            node.Fail("highWarning", "not from above nominal to highAlarm");
+    }
+    variable.limits = limits;
 }
 
 bool ProfileReader::ReadNamedValues(const XmlNode& xml, const VariableLayout& layout, VariableDescription& variable)

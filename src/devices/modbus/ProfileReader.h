@@ -27,6 +27,7 @@ private:
     void ReadWrite(CheckedNode& node, VariableLayout& layout);
     void ReadScale(CheckedNode& node, VariableLayout& layout, VariableDescription& variable);
     void ReadRange(CheckedNode& node, const VariableLayout& layout, VariableDescription& variable);
+    void ReadBounds(CheckedNode& node, const VariableLayout& layout, VariableDescription& variable);
     bool ReadNamedValues(const XmlNode& node, const VariableLayout& layout, VariableDescription& variable);
     // Keeps the fault of a node; true if it has none.
     bool Passed(const XmlNode& node, const CheckedNode& checked, const std::string& what);

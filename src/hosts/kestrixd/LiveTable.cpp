@@ -119,7 +119,7 @@ std::string LiveTable::RenderRow(const Row& row, int columns)
     return line;
 }
 
-std::string LiveTable::Render(int columns, int rows, const Summary& summary,
+std::string LiveTable::Render(int columns, int rows, const supervision::Summary& summary,
                               const std::deque<std::string>& messages) const
 {
     std::string head =

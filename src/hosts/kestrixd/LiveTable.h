@@ -1,7 +1,7 @@
 // The live values of all devices as text for a terminal.
 #pragma once
 
-#include "hosts/kestrixd/Summary.h"
+#include "hosts/supervision/Summary.h"
 #include "siblings/driversupport/ZRDriverVariable.h"
 
 #include <deque>
@@ -19,7 +19,7 @@ public:
 
     // Lines of at most that many columns and rows, first the figures, then a line a device with as many values as there
     // is room for, then the latest messages. Every line ends with a line feed.
-    [[nodiscard]] std::string Render(int columns, int rows, const Summary& summary,
+    [[nodiscard]] std::string Render(int columns, int rows, const supervision::Summary& summary,
                                      const std::deque<std::string>& messages) const;
 
 private:

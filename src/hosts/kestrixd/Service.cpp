@@ -1,22 +1,13 @@
 #include "hosts/kestrixd/Service.h"
 
-#include "devices/modbus/ModbusDrivers.h"
-#include "hosts/kestrixd/ServiceCheck.h"
 #include "platform/Clock.h"
 #include "platform/FileReplace.h"
-#include "platform/Paths.h"
 #include "platform/Terminal.h"
-#include "siblings/driversupport/FilterFile.h"
-#include "siblings/driversupport/ZRRSDeviceConnection.h"
-#include "siblings/tools/Utf.h"
-#include "siblings/tools/ZRLoadString.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 #include <algorithm>
 #include <cstdio>
-#include <set>
-#include <system_error>
 #include <utility>
 
 namespace zr::service {
@@ -25,9 +16,6 @@ namespace {
 using Seconds = std::chrono::seconds;
 
 constexpr std::size_t kMessagesKept = 50;
-// The warning list has no limit of its own, and a service runs for years: beyond this it is emptied. Every entry has
-// gone to standard error by then.
-constexpr int kWarningsKept = 10000;
 constexpr std::chrono::milliseconds kRound{250};  // how soon notices are seen
 
 // The terminal's own picture while the table is shown, and back.
@@ -41,198 +29,52 @@ std::string Stamp()
     return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", std::chrono::time_point_cast<Seconds>(CurrentClock().Utc()));
 }
 
-void Complain(const std::string& text)
-{
-    fmt::print(stderr, "{}\n", text);
-    std::fflush(stderr);  // Windows keeps lines back that go to a file or a pipe
-}
-
-// Puts the filter files that come with the program where the user has none of that name.
-bool CopyShippedFilters(const std::filesystem::path& folder, std::string& reason)
-{
-    std::error_code ignored;
-    for (const auto& entry : std::filesystem::directory_iterator(ResourceFolder() / "filters", ignored)) {
-        const std::filesystem::path target = folder / entry.path().filename();
-        std::string bytes;
-        if (std::filesystem::exists(target, ignored)) {
-            continue;
-        }
-        if (!ReadWholeFile(entry.path(), XmlDocument::kMaxBytes, bytes, reason) ||
-            !WriteFileReplacing(target, bytes, reason)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-void AddCounts(Summary& sum, const Summary& more)
-{
-    sum.ticks += more.ticks;
-    sum.transactions += more.transactions;
-    sum.timeouts += more.timeouts;
-    sum.droppedFrames += more.droppedFrames;
-}
-
 }  // namespace
 
 Service::Service(Options options)
-    : m_options(std::move(options)), m_publication(m_options.serviceName, m_options.updatePeriod)
+    : m_options(std::move(options)), m_supervisor(m_options.supervision, "kestrixd", *this)
 {
 }
 
 Service::~Service()
 {
-    m_publication.End();
     m_table.reset();
-    m_system.Reset();
-    ZRDeviceDriver::ClearFactories();
-    SetLanguage(nullptr);
 }
 
 int Service::Run()
 {
-    if (!LoadTexts() || !LoadProfiles() || !PrepareDataFolder()) {
+    if (!m_supervisor.Prepare()) {
         return kBadInput;
     }
-    SetPortMap(m_options.ports);
     if (const int status = TakeDocument(); status != kEndedAsAsked) {
         return status;
     }
-    StartRegistry();
-    if (!CheckFilters()) {
+    m_supervisor.LoadRegistry();
+    if (!m_supervisor.CheckFilters()) {
         return kBadInput;
     }
     // From here on a signal is ours: whoever has read the first line may send one.
     StopSignals signals;
-    m_system.Start();
-    BeginPublication();
+    m_supervisor.Start();
     Supervise(signals);
     return Finish();
 }
 
-bool Service::LoadTexts()
-{
-    if (!m_language.Load(ResourceFolder() / "language" / "en.txt")) {
-        Complain(m_language.Error().Message());
-        return false;
-    }
-    SetLanguage(&m_language);
-    return true;
-}
-
-bool Service::LoadProfiles()
-{
-    std::vector<std::string> errors;
-    modbus::RegisterDrivers(ResourceFolder() / "devices", errors);
-    for (const std::string& error : errors) {
-        Complain(error);
-    }
-    return errors.empty();
-}
-
-bool Service::PrepareDataFolder()
-{
-    if (!m_options.dataFolder.empty()) {
-        m_setup.SetDataFolder(Utf8ToUtf16(TextOfPath(m_options.dataFolder)));
-    }
-    const std::filesystem::path folder = PathFromText(m_setup.dataFolder.Text());
-    std::string reason;
-    if (!MakePrivateFolder(folder, reason) || !CopyShippedFilters(folder, reason)) {
-        Complain(fmt::format("{}: {}", TextOfPath(folder), reason));
-        return false;
-    }
-    return true;
-}
-
 int Service::TakeDocument()
 {
-    if (!m_document.Load(m_options.document)) {
-        Complain(m_document.Error().Message());
-        return kBadInput;
-    }
-    const std::string file = TextOfPath(m_options.document);
-    switch (m_lock.Take(m_options.document, "kestrixd")) {
-        case ProcessLock::Result::Taken:
+    using Taking = supervision::Supervisor::Taking;
+    switch (m_supervisor.TakeDocument()) {
+        case Taking::Taken:
             return kEndedAsAsked;
-        case ProcessLock::Result::HeldByOther:
-            Complain(fmt::format("{}: already supervised by process {} ({})", file, m_lock.OtherProcess(),
-                                 m_lock.OtherProgram()));
+        case Taking::HeldByOther:
+            Complain(fmt::format("{}: already supervised by process {} ({})",
+                                 TextOfPath(m_options.supervision.document), m_supervisor.OtherProcess(),
+                                 m_supervisor.OtherProgram()));
             return kSupervisedElsewhere;
-        case ProcessLock::Result::Failed:
+        case Taking::BadInput:
             break;
     }
-    Complain(fmt::format("{}: {}", file, m_lock.Reason()));
     return kBadInput;
-}
-
-bool Service::CheckFilters()
-{
-    std::set<ZRBasicString> seen;
-    bool good = true;
-    for (auto driver = m_system.DriversBegin(); driver != m_system.DriversEnd(); ++driver) {
-        const wchar* filter = (*driver)->DefaultFilter();
-        if (filter == nullptr || !seen.insert(filter).second) {
-            continue;
-        }
-        // The driver tells the file's title, which has no extension.
-        std::string error;
-        if (!FilterFile().Load(PathFromText((m_setup.dataFolder + filter + u".MVDF").Text()), error)) {
-            Complain(error);
-            good = false;
-        }
-    }
-    return good;
-}
-
-void Service::StartRegistry()
-{
-    const XmlNode* commSystem = m_document.root->Node(u"CommSystem");
-    for (const Finding& finding : CheckDocument(commSystem)) {
-        Report(finding.notice, finding.line);
-    }
-    if (commSystem == nullptr) {
-        Log(fmt::format("{}: no CommSystem element, so there is nothing to supervise", TextOfPath(m_options.document)));
-    } else {
-        m_system.LoadCfg(*commSystem);
-    }
-    m_table = std::make_unique<LiveTable>();
-}
-
-void Service::BeginPublication()
-{
-    if (m_options.serviceName.empty()) {
-        return;
-    }
-    if (!m_publication.Begin()) {
-        Report({DeviceWarning::PublicationFailed, Utf8ToUtf16(m_options.serviceName), {}, {}}, 0);
-        return;
-    }
-    const Summary summary = Summarise();
-    Log(fmt::format("publishing {} variables of {} devices as service {}", summary.variables, summary.devices,
-                    m_options.serviceName));
-}
-
-// What can't be read leaves everything as it is.
-void Service::Reload()
-{
-    XmlDocument fresh;
-    if (!fresh.Load(m_options.document)) {
-        Log(fresh.Error().Message());
-        Log("the document was not read again; supervision goes on with the old one");
-        return;
-    }
-    m_publication.End();
-    m_system.Stop();
-    AddCounts(m_before, Summarise());
-    m_table.reset();
-    m_system.Reset();
-    static_cast<XmlDocument&>(m_document) = fresh;
-    LoadProfiles();
-    StartRegistry();
-    CheckFilters();
-    m_system.Start();
-    BeginPublication();
-    Report({DeviceWarning::ConfigurationLoaded, Utf8ToUtf16(TextOfPath(m_options.document)), {}, {}}, 0);
 }
 
 void Service::Supervise(StopSignals& signals)
@@ -244,7 +86,7 @@ void Service::Supervise(StopSignals& signals)
     }
     const steady_clock::time_point start = CurrentClock().Steady();
     for (;;) {
-        TakeNotices();
+        m_supervisor.TakeNotices();
         if (m_showsTable) {
             ShowTable();
         }
@@ -257,12 +99,12 @@ void Service::Supervise(StopSignals& signals)
             }
             round = std::min(round, left);
         }
-        if (m_publication.IsRunning()) {
-            m_publication.Run(std::exchange(round, {}));
+        if (m_supervisor.Publication().IsRunning()) {
+            m_supervisor.Publication().Run(std::exchange(round, {}));
         }
         const StopSignal signal = signals.WaitForSignal(round);
         if (signal == StopSignal::HangUp) {
-            Reload();
+            m_supervisor.Reload();
         } else if (signal != StopSignal::None) {
             break;
         }
@@ -273,24 +115,10 @@ void Service::Supervise(StopSignals& signals)
     }
 }
 
-void Service::TakeNotices()
+void Service::Complain(const std::string& text)
 {
-    for (const DeviceNotice& notice : zr::TakeNotices()) {
-        Report(notice, 0);
-    }
-    if (m_warnings.Size() > kWarningsKept) {
-        m_before.warnings = Figures().warnings;
-        m_warnings.Invalidate();
-    }
-}
-
-void Service::Report(const DeviceNotice& notice, std::size_t line)
-{
-    m_warnings.AddWarning(static_cast<int>(notice.type), notice.name, notice.info, notice.detail);
-    const int index = m_warnings.Size() - 1;
-    const char* kind = m_warnings.IsEvent(index) ? "event" : "warning";
-    const std::string place = line != 0 ? fmt::format("{}:{}: ", TextOfPath(m_options.document), line) : "";
-    Log(fmt::format("{}{}: {}", place, kind, Utf16ToUtf8(m_warnings.WarningStr(index))));
+    fmt::print(stderr, "{}\n", text);
+    std::fflush(stderr);  // Windows keeps lines back that go to a file or a pipe
 }
 
 void Service::Log(const std::string& text)
@@ -308,7 +136,7 @@ void Service::Log(const std::string& text)
 void Service::ShowTable()
 {
     const TerminalSize size = SizeOfTerminal();
-    std::string text = m_table->Render(size.columns, size.rows, Figures(), m_messages);
+    std::string text = m_table->Render(size.columns, size.rows, m_supervisor.Figures(), m_messages);
     std::string screen = kHome;
     for (const char character : text) {
         // What a line leaves of the one before it is wiped.
@@ -318,24 +146,11 @@ void Service::ShowTable()
     std::fflush(stdout);
 }
 
-Summary Service::Figures() const
-{
-    Summary summary = Summarise();
-    AddCounts(summary, m_before);
-    summary.warnings += m_before.warnings;
-    const Publication::Figures published = m_publication.Count();
-    summary.ddeConversations = published.conversations;
-    summary.ddeLinks = published.links;
-    summary.ddePosts = published.posts;
-    summary.ddeMerged = published.merged;
-    return summary;
-}
-
 // The figures are taken while the values are still live.
 int Service::Finish()
 {
-    TakeNotices();
-    const Summary summary = Figures();
+    m_supervisor.TakeNotices();
+    const supervision::Summary summary = m_supervisor.Figures();
     if (m_options.json) {
         fmt::print("{}\n", summary.Json());
     } else {

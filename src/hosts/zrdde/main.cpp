@@ -1,7 +1,8 @@
 // zrdde: a client of the publication of live values.
+#include "dde/LinkText.h"
 #include "hosts/zrdde/AdviseCommand.h"
-#include "hosts/zrdde/LinkText.h"
 #include "hosts/zrdde/Options.h"
+#include "platform/CommandLine.h"
 #include "platform/Ddeml.h"
 #include "siblings/tools/Utf.h"
 
@@ -30,8 +31,8 @@ int ListServices()
 
 int PrintLinks(const Options& options)
 {
-    fmt::print("{}\n", Utf16ToUtf8(LinkReference(options.service, options.device, options.variable)));
-    fmt::print("{}\n", Utf16ToUtf8(LinkFunction(options.service, options.device, options.variable)));
+    fmt::print("{}\n", Utf16ToUtf8(dde::LinkReference(options.service, options.device, options.variable)));
+    fmt::print("{}\n", Utf16ToUtf8(dde::LinkFunction(options.service, options.device, options.variable)));
     return kDone;
 }
 
@@ -58,7 +59,8 @@ int Run(int argc, char** argv)
 int main(int argc, char** argv)
 {
     try {
-        return zr::ddeclient::Run(argc, argv);
+        zr::CommandLine line(argc, argv);
+        return zr::ddeclient::Run(line.Count(), line.Values());
     } catch (const std::exception& error) {
         fmt::print(stderr, "zrdde: {}\n", error.what());
         return zr::ddeclient::kRefused;

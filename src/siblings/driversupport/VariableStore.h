@@ -23,6 +23,18 @@ enum class VariableClass : std::int32_t {
     Counter = 8,        // consumption
 };
 
+// Within which bounds a variable is expected, in units of the stored number. The limits stand in the order alarm,
+// warning, nominal, warning, alarm; those of a power factor on its folded scale, where -0.9 follows 1.
+struct VariableLimits {
+    double nominal = 0.0;  // above 0
+    bool hasLow = false;
+    double lowWarning = 0.0;
+    double lowAlarm = 0.0;
+    bool hasHigh = false;
+    double highWarning = 0.0;
+    double highAlarm = 0.0;
+};
+
 // What never changes about a variable while its device is configured.
 struct VariableDescription {
     ZRBasicString name;         // within its driver; upper case, see IsValidId
@@ -37,6 +49,7 @@ struct VariableDescription {
     bool output = false;             // can be set
     double minimum = 0.0;            // allowed range of the stored number; both 0: not limited
     double maximum = 0.0;
+    std::optional<VariableLimits> limits;   // none: no value is out of the ordinary
     std::vector<ZRBasicString> valueTexts;  // names of the values of a closed list, with
     std::vector<int> values;                // the integer of each; empty for any other variable
 };
@@ -72,6 +85,8 @@ public:
     // The last value stays readable.
     void Invalidate();
     [[nodiscard]] bool IsValid() const { return (m_typeAndValid.load(std::memory_order_acquire) & kValidBit) != 0; }
+    // Another number after each write of a value, whether it changed or not; odd while one is under way.
+    [[nodiscard]] std::uint32_t Writes() const { return m_sequence.load(std::memory_order_acquire); }
     // Writes `type` and the payload of that type; nothing else of the record. Type 0 before the first write.
     void Read(tagSVariableValue& out) const;
 

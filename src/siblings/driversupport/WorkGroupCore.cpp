@@ -57,6 +57,12 @@ void WorkGroupCore::RequestStop()
     }
 }
 
+void WorkGroupCore::WaitStopped()
+{
+    std::unique_lock lock(m_restGuard);
+    m_rest.wait(lock, [this] { return Stopped(); });
+}
+
 void WorkGroupCore::DriverCalls()
 {
     m_notes.fetch_or(kCalls, std::memory_order_acq_rel);
@@ -238,8 +244,9 @@ void WorkGroupCore::Finish()
         member.driver->SetOnline(false);
     }
     ReleaseAll();
+    const std::lock_guard lock(m_restGuard);
     m_stopped.store(true, std::memory_order_release);
-    m_stopped.notify_all();
+    m_rest.notify_all();
 }
 
 void WorkGroupCore::ReleaseAll()

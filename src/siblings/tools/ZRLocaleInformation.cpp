@@ -1,9 +1,13 @@
 #include "siblings/tools/ZRLocaleInformation.h"
 
 #include "platform/SystemLocale.h"
+#include "siblings/tools/LanguageLocale.h"
 #include "siblings/tools/Utf.h"
 
 #include <algorithm>
+#include <atomic>
+#include <deque>
+#include <string_view>
 
 namespace {
 
@@ -28,6 +32,45 @@ ZRLocaleInformation<S> RecordFrom(const zr::SystemLocale& system, Convert conver
     return record;
 }
 
+struct Records {
+    Records(std::string_view name, const zr::SystemLocale& conventions)
+        : language(name), wide(zr::WideLocaleInformation(conventions)), narrow(zr::NarrowLocaleInformation(conventions))
+    {
+    }
+
+    const std::string_view language;
+    const ZRLocaleInformation<ZRBasicString> wide;
+    const ZRLocaleInformation<ZRBasicString8> narrow;
+};
+
+const Records& SystemRecords()
+{
+    static const Records records("", zr::ReadSystemLocale());
+    return records;
+}
+
+// In the order of LanguageLocales().
+const std::deque<Records>& LanguageRecords()
+{
+    static const std::deque<Records> records = [] {
+        std::deque<Records> made;
+        for (const zr::LanguageLocale& locale : zr::LanguageLocales()) {
+            made.emplace_back(locale.language, locale.conventions);
+        }
+        return made;
+    }();
+    return records;
+}
+
+// Null: those of the system. Swapped whole, so that nobody reads half of one and half of another.
+constinit std::atomic<const Records*> g_inForce = nullptr;
+
+const Records& InForce()
+{
+    const Records* const records = g_inForce.load(std::memory_order_acquire);
+    return records != nullptr ? *records : SystemRecords();
+}
+
 }  // namespace
 
 namespace zr {
@@ -42,16 +85,35 @@ ZRLocaleInformation<ZRBasicString8> NarrowLocaleInformation(const SystemLocale& 
     return RecordFrom<ZRBasicString8>(system, [](const std::string& text) { return ZRBasicString8(text); });
 }
 
+std::string_view LocaleInformationLanguage()
+{
+    return InForce().language;
+}
+
+bool SetLocaleInformation(std::string_view language)
+{
+    if (language.empty()) {
+        g_inForce.store(nullptr, std::memory_order_release);
+        return true;
+    }
+    const auto locales = LanguageLocales();
+    const auto found = std::find_if(locales.begin(), locales.end(),
+                                    [language](const LanguageLocale& locale) { return locale.language == language; });
+    if (found == locales.end()) {
+        return false;
+    }
+    g_inForce.store(&LanguageRecords()[static_cast<std::size_t>(found - locales.begin())], std::memory_order_release);
+    return true;
+}
+
 }  // namespace zr
 
 const ZRLocaleInformation<ZRBasicString>& LocaleInformationWide()
 {
-    static const auto record = zr::WideLocaleInformation(zr::ReadSystemLocale());
-    return record;
+    return InForce().wide;
 }
 
 const ZRLocaleInformation<ZRBasicString8>& LocaleInformation()
 {
-    static const auto record = zr::NarrowLocaleInformation(zr::ReadSystemLocale());
-    return record;
+    return InForce().narrow;
 }

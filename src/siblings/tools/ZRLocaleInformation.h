@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 // A plain record over the string type S: ZRBasicString, or ZRBasicString8 holding UTF-8.
 template <typename S>
@@ -25,17 +26,37 @@ struct ZRLocaleInformation {
     int longestDayName = 0;  // in characters of S
 };
 
-// The user's record, read from the operating system at the first call; never changes after that. Any thread.
+// The record in force: that of the language that the host has set, else what the operating system tells at the first
+// call. A record never changes and lives for ever, so that a reference taken stays good while another comes into force.
+// Any thread.
 const ZRLocaleInformation<ZRBasicString>& LocaleInformationWide();
 const ZRLocaleInformation<ZRBasicString8>& LocaleInformation();
 
-// The same by name. Bound before main() starts; what runs earlier calls the functions.
-inline const ZRLocaleInformation<ZRBasicString>& localeInformationWide = LocaleInformationWide();
-inline const ZRLocaleInformation<ZRBasicString8>& localeInformation = LocaleInformation();
+namespace zr {
+
+// Stands for the record in force, whichever it is when it is read.
+template <typename S, const ZRLocaleInformation<S>& (*kInForce)()>
+struct LocaleInformationInForce {
+    operator const ZRLocaleInformation<S>&() const { return kInForce(); }
+    const ZRLocaleInformation<S>* operator->() const { return &kInForce(); }
+};
+
+}  // namespace zr
+
+// The same by name: localeInformation->weekNumbering.
+inline constexpr zr::LocaleInformationInForce<ZRBasicString, LocaleInformationWide> localeInformationWide{};
+inline constexpr zr::LocaleInformationInForce<ZRBasicString8, LocaleInformation> localeInformation{};
 
 namespace zr {
 
 struct SystemLocale;
+
+// The language whose record is in force, such as "de"; empty for the system's. Lives for ever. Any thread.
+std::string_view LocaleInformationLanguage();
+// Numbers and dates from now on as the language has them, given by the title of its file, such as "de"; empty: as the
+// system has them, as at the start. False, and nothing changed, for a language that isn't in LanguageLocale.h. Any
+// thread; meant for the one that shows the windows, which then asks them to paint anew.
+bool SetLocaleInformation(std::string_view language);
 
 // The record for what a system tells.
 ZRLocaleInformation<ZRBasicString> WideLocaleInformation(const SystemLocale& system);

@@ -1,5 +1,5 @@
 // Documents that were damaged: checked, loaded and reset as the service does it.
-#include "hosts/kestrixd/ServiceCheck.h"
+#include "hosts/supervision/DocumentCheck.h"
 #include "integration/service/RegistryFixture.h"
 
 #include <iterator>
@@ -56,9 +56,9 @@ TEST_F(MutatedDocumentTest, TenThousandAreRefusedOrLoadedAndReset)
             continue;
         }
         ++loaded;
-        const auto findings = service::CheckDocument(commSystem);
+        const auto findings = supervision::CheckDocument(commSystem);
         withFindings += findings.empty() ? 0 : 1;
-        for (const service::Finding& finding : findings) {
+        for (const supervision::Finding& finding : findings) {
             EXPECT_GT(finding.line, 0u);
         }
         EXPECT_TRUE(m_system.LoadCfg(*commSystem));

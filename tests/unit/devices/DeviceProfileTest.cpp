@@ -66,6 +66,60 @@ TEST(DeviceProfileTest, EveryValueOfAVariableArrives)
     EXPECT_EQ(layout.writeFirst, 90);
 }
 
+TEST(DeviceProfileTest, LimitsArriveAroundTheirNominalValue)
+{
+    std::string error;
+    const auto profile =
+        Profile(ProfileText(Variable(R"(function="4" register="7" type="u16" unit="V" nominal="230" lowWarning="207"
+            lowAlarm="195.5" highAlarm="264.5")")),
+                error);
+    ASSERT_NE(profile, nullptr) << error;
+    const std::optional<VariableLimits>& limits = (*profile->Variables())[0].limits;
+    ASSERT_TRUE(limits.has_value());
+    EXPECT_EQ(limits->nominal, 230.0);
+    EXPECT_TRUE(limits->hasLow);
+    EXPECT_EQ(limits->lowWarning, 207.0);
+    EXPECT_EQ(limits->lowAlarm, 195.5);
+    EXPECT_TRUE(limits->hasHigh);
+    EXPECT_EQ(limits->highWarning, 264.5);  // the alarm limit when it is left out
+    EXPECT_EQ(limits->highAlarm, 264.5);
+}
+
+TEST(DeviceProfileTest, LimitsOfAPowerFactorAreOrderedOnItsFoldedScale)
+{
+    std::string error;
+    const auto profile =
+        Profile(ProfileText(Variable(R"(function="4" register="7" type="i16" unit="PF" nominal="1" lowWarning="0.9"
+            lowAlarm="0.8" highWarning="-0.9" highAlarm="-0.8")")),
+                error);
+    ASSERT_NE(profile, nullptr) << error;
+    EXPECT_EQ((*profile->Variables())[0].limits->highAlarm, -0.8);
+}
+
+TEST(DeviceProfileTest, LimitsThatMakeNoSenseAreRefusedByName)
+{
+    struct Row {
+        const char* values;
+        const char* complaint;
+    };
+    const Row rows[] = {
+        {R"(type="u16" lowAlarm="1")", "lowAlarm: needs nominal"},
+        {R"(type="u16" nominal="0" lowAlarm="-1")", "nominal: not above 0"},
+        {R"(type="u16" nominal="5")", "nominal: stands only with limits"},
+        {R"(type="u16" nominal="5" lowWarning="4")", "lowAlarm: missing"},
+        {R"(type="u16" nominal="5" lowWarning="3" lowAlarm="4")", "lowWarning: not from lowAlarm to below nominal"},
+        {R"(type="u16" nominal="5" lowAlarm="5")", "lowWarning: not from lowAlarm to below nominal"},
+        {R"(type="u16" nominal="5" highAlarm="5")", "highWarning: not from above nominal to highAlarm"},
+        {R"(type="u16" nominal="5" highAlarm="nan")", "highAlarm: \"nan\" is not a number"},
+        {R"(type="text" length="4" nominal="5" highAlarm="6")", "nominal: only a number has one"},
+    };
+    for (const Row& row : rows) {
+        const std::string error =
+            ErrorOf(ProfileText(Variable(std::string(R"(function="4" register="7" )") + row.values)));
+        EXPECT_NE(error.find(row.complaint), std::string::npos) << row.values << ": " << error;
+    }
+}
+
 TEST(DeviceProfileTest, WhatIsLeftOutHasItsDefault)
 {
     std::string error;

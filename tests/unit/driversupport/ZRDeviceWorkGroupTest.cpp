@@ -412,8 +412,8 @@ TEST_F(ZRDeviceWorkGroupTest, StopsAtRandomMomentsWithoutALeak)
     for (int round = 0; round < 200; ++round) {
         ZRDeviceWorkGroup group(u"NET");
         group.Add(&driver);
-        ASSERT_TRUE(group.Start(&connection));
         const int enough = device.requests + static_cast<int>(random() % 2);
+        ASSERT_TRUE(group.Start(&connection));
         ASSERT_TRUE(WaitFor([&] { return device.requests >= enough; }));
         group.OneHzCall(ZRDateTime(1, 0));
         group.Stop();
@@ -456,6 +456,23 @@ TEST_F(ZRDeviceWorkGroupTest, ComesToRestWhenItIsDestroyedWhileItRuns)
         ASSERT_TRUE(WaitFor([&] { return mute.requests == 1; }));
     }
     EXPECT_EQ(driver.cancelled, 1);
+}
+
+TEST_F(ZRDeviceWorkGroupTest, ComesToRestHoweverOftenItIsDestroyedJustAfterItsStart)
+{
+    UdpDevice device(AnswerAtOnce);
+    Configure(device, "1000");
+    EchoDriver driver(u"BRIEF", 1, 0ms);
+    ZRUDPDeviceConnection other;
+    ZRDeviceWorkGroup bystander(u"NET");  // keeps the threads
+    test::Configure(other, {{u"Name", "OTHER"}, {u"Address", "127.0.0.1"}, {u"Socket", "9"}});
+    ASSERT_TRUE(bystander.Start(&other));
+    for (int round = 0; round < 3000; ++round) {
+        ZRDeviceWorkGroup group(u"NET");
+        group.Add(&driver);
+        ASSERT_TRUE(group.Start(&connection));
+    }
+    EXPECT_FALSE(driver.Online());
 }
 
 #ifndef _WIN32  // It has no pseudo-terminals that serve as serial ports.

@@ -292,4 +292,21 @@ TEST(LanguageFile, TakesOneTextInEveryEnglishWarning)
     }
 }
 
+class LanguageFileOf : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(LanguageFileOf, HoldsTheTextsOfTheEnglishWithTheirPlaceholders)
+{
+    LanguageFile english;
+    ASSERT_TRUE(english.Load(kEnglish)) << english.Error().Message();
+    LanguageFile file;
+    ASSERT_TRUE(file.Load(std::string(ZR_RESOURCES "/language/") + GetParam())) << file.Error().Message();
+    EXPECT_EQ(file.Texts().size(), english.Texts().size());
+    for (const auto& [id, text] : english.Texts()) {
+        ASSERT_NE(file.Find(id), nullptr) << id << " is missing";
+        EXPECT_EQ(PlaceholdersOf(*file.Find(id)), PlaceholdersOf(text)) << id;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(LanguageFile, LanguageFileOf, ::testing::Values("de.txt", "es.txt"));
+
 }  // namespace

@@ -1,0 +1,20 @@
+// Texts between the library and Qt.
+#pragma once
+
+#include <QString>
+#include <string>
+#include <string_view>
+
+namespace zr::ui {
+
+// UTF-16 on both sides; nothing is lost, lone surrogates included.
+inline QString ToQt(std::u16string_view text)
+{
+    return QString(reinterpret_cast<const QChar*>(text.data()), static_cast<qsizetype>(text.size()));
+}
+inline std::u16string FromQt(const QString& text)
+{
+    return text.toStdU16String();
+}
+
+}  // namespace zr::ui

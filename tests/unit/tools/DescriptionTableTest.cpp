@@ -128,7 +128,7 @@ TEST_P(DescriptionTableOf, HoldsEveryDescriptionOfTheProfiles)
     const std::set<std::string> descriptions = DescriptionsOfTheProfiles();
     EXPECT_GT(descriptions.size(), 150u);
     for (const std::string& description : descriptions) {
-        const ZRBasicString english = zr::Utf8ToUtf16(description);
+        const ZRBasicString english = Utf8ToUtf16(description);
         EXPECT_TRUE(table.Translate(english) != english || same.contains(description)) << description;
     }
 }

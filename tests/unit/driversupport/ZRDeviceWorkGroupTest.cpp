@@ -412,8 +412,8 @@ TEST_F(ZRDeviceWorkGroupTest, StopsAtRandomMomentsWithoutALeak)
     for (int round = 0; round < 200; ++round) {
         ZRDeviceWorkGroup group(u"NET");
         group.Add(&driver);
-        ASSERT_TRUE(group.Start(&connection));
         const int enough = device.requests + static_cast<int>(random() % 2);
+        ASSERT_TRUE(group.Start(&connection));
         ASSERT_TRUE(WaitFor([&] { return device.requests >= enough; }));
         group.OneHzCall(ZRDateTime(1, 0));
         group.Stop();

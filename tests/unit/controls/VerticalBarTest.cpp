@@ -442,6 +442,16 @@ TEST_F(VerticalBarTest, KeepsNumbersAndMarkersWhenDisabledByItselfAlone)
     EXPECT_EQ(PixelAt(10, 190), 0xff000000 | MakeRgb(172, 172, 172));  // 207 less ten steps of 3.45
 }
 
+TEST_F(VerticalBarTest, TakesItsUsualColoursAgainWhenItIsSetUp)
+{
+    bar.Disable();
+    SetupBar(0);
+    Compose();
+    EXPECT_EQ(bar.Colours().green, MakeRgb(0, 200, 50));
+    EXPECT_EQ(bar.Colours().red, MakeRgb(220, 0, 0));
+    EXPECT_EQ(PixelAt(10, 200), 0xff000000 | MakeRgb(0, 200, 50));
+}
+
 TEST_F(VerticalBarTest, ShowsTheBareBarInADisabledWindow)
 {
     SetupBar(kShowLabel | kShowLimits | kRoomForLabelInfo);

@@ -159,6 +159,31 @@ std::vector<std::int64_t> TimesOf(const std::vector<Samples>& columns)
     return all;
 }
 
+// The values of a column in records of those times, which hold all of its own.
+class ColumnCursor {
+public:
+    ColumnCursor(const Samples& samples, std::size_t records)
+        : m_samples(samples), m_hasAll(samples.times.size() == records)
+    {
+    }
+
+    // Of the next record.
+    zr::LoggedValue Next(std::int64_t time)
+    {
+        // A column with as many samples as there are records has one in each.
+        if (!m_hasAll && (m_next >= m_samples.times.size() || m_samples.times[m_next] != time)) {
+            return {0, 0.0};
+        }
+        const double value = m_samples.values[m_next++];
+        return {static_cast<std::uint8_t>(std::isfinite(value) ? 1 : 0), value};
+    }
+
+private:
+    const Samples& m_samples;
+    bool m_hasAll;
+    std::size_t m_next = 0;
+};
+
 void AddReading(zr::SampleGrouper& grouper, const zr::LoggerSample& sample)
 {
     grouper.AddSamples({&sample.time, 1}, {&sample.value, 1}, std::isfinite(sample.value));
@@ -278,6 +303,11 @@ zr::RecordArena ZRLoggerData::BuildRecorded(zr::Progress* progress)
     Steps steps(progress, m_columns.size(), m_from, m_to);
     std::vector<Samples> columns(m_columns.size());
     for (std::size_t c = 0; c < columns.size(); ++c) {
+        if (c > 0) {
+            // Mostly recorded together.
+            columns[c].times.reserve(columns[c - 1].times.size());
+            columns[c].values.reserve(columns[c - 1].values.size());
+        }
         CollectingVisitor visitor(columns[c], steps, c, m_from, m_to);
         if (!m_columns[c].variable.IsEmpty() && !m_reader->ReadBlocks(m_columns[c].variable, m_from, m_to, visitor)) {
             return {};
@@ -286,14 +316,14 @@ zr::RecordArena ZRLoggerData::BuildRecorded(zr::Progress* progress)
     const std::vector<std::int64_t> times = TimesOf(columns);
     zr::RecordArena arena(times.size(), columns.size());
     std::copy(times.begin(), times.end(), arena.Times());
-    std::vector<std::size_t> next(columns.size(), 0);
+    std::vector<ColumnCursor> cursors;
+    for (const Samples& column : columns) {
+        cursors.emplace_back(column, times.size());
+    }
     for (std::size_t r = 0; r < times.size(); ++r) {
-        zr::LoggedValue* const values = arena.Record(r).values;
-        for (std::size_t c = 0; c < columns.size(); ++c) {
-            const Samples& column = columns[c];
-            const bool isHere = next[c] < column.times.size() && column.times[next[c]] == times[r];
-            const double value = isHere ? column.values[next[c]++] : 0.0;
-            values[c] = {static_cast<std::uint8_t>(isHere && std::isfinite(value) ? 1 : 0), value};
+        zr::LoggedValue* value = arena.Record(r).values;
+        for (ColumnCursor& cursor : cursors) {
+            *value++ = cursor.Next(times[r]);
         }
     }
     WriteTimes(arena);

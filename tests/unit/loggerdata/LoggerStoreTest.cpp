@@ -11,6 +11,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace zr {
@@ -208,6 +209,32 @@ TEST_P(LoggerStoreTest, AnyDoubleComesBackBitForBit)
         ASSERT_EQ(read.times[i], batch[i].time);
         ASSERT_EQ(std::bit_cast<std::uint64_t>(read.values[i]), std::bit_cast<std::uint64_t>(batch[i].value));
     }
+}
+
+TEST_P(LoggerStoreTest, ReadersOnOtherThreadsSeeWholeBatchesInOrder)
+{
+    constexpr std::size_t kBatches = 300;
+    constexpr std::size_t kBatch = 20;
+    const int series = store->OpenSeries(u"M.U", 1);
+    std::thread writer([&] {
+        for (std::size_t b = 0; b < kBatches; ++b) {
+            std::vector<LoggerAppend> batch;
+            for (std::size_t i = b * kBatch; i < (b + 1) * kBatch; ++i) {
+                batch.push_back({series, kStart + static_cast<std::int64_t>(i) * kSecond, static_cast<double>(i)});
+            }
+            EXPECT_TRUE(store->Append(batch));
+        }
+    });
+    std::size_t seen = 0;
+    while (seen < kBatches * kBatch && !HasFailure()) {
+        const Collector read = Read(u"M.U");
+        EXPECT_GE(read.values.size(), seen);
+        seen = read.values.size();
+        EXPECT_EQ(seen % kBatch, 0u);
+        EXPECT_TRUE(std::is_sorted(read.times.begin(), read.times.end()));
+        EXPECT_TRUE(seen == 0 || read.values.back() == static_cast<double>(seen - 1));
+    }
+    writer.join();
 }
 
 INSTANTIATE_TEST_SUITE_P(Stores, LoggerStoreTest,

@@ -70,6 +70,8 @@ public:
 
     [[nodiscard]] bool Started() const { return m_pid > 0; }
     [[nodiscard]] pid_t Pid() const { return m_pid; }
+    // Whether it has ended by itself or by a signal; never waits.
+    [[nodiscard]] bool HasEnded() { return m_pid <= 0 || m_status || Reap(); }
     void Send(int signal) const
     {
         if (m_pid > 0 && !m_status) {

@@ -134,6 +134,7 @@ int main(int argc, char** argv)
 {
     CLI::App app("Plays a plant of metering devices that replay measured values.", "kestrix-plant");
     Settings settings;
+    app.allow_windows_style_options(false);  // one command line on every system, and paths that begin with a slash
     Define(app, settings);
     try {
         app.parse(argc, argv);

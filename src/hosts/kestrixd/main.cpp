@@ -1,6 +1,7 @@
 // kestrixd: supervises the devices of a configuration document, with no window.
 #include "hosts/kestrixd/Options.h"
 #include "hosts/kestrixd/Service.h"
+#include "platform/CommandLine.h"
 
 #include <exception>
 #include <iostream>
@@ -8,7 +9,8 @@
 int main(int argc, char** argv)
 {
     try {
-        const zr::service::ParsedOptions parsed = zr::service::ParseOptions(argc, argv);
+        zr::CommandLine line(argc, argv);
+        const zr::service::ParsedOptions parsed = zr::service::ParseOptions(line.Count(), line.Values());
         if (!parsed.options) {
             return parsed.exitStatus;
         }

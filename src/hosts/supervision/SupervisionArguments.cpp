@@ -1,6 +1,7 @@
 #include "hosts/supervision/SupervisionArguments.h"
 
 #include "dde/DdeIds.h"
+#include "platform/FileReplace.h"
 #include "siblings/tools/Utf.h"
 
 #include <charconv>
@@ -29,8 +30,9 @@ std::string AddPort(const std::string& text, std::map<int, std::string>& ports)
 SupervisionArguments::SupervisionArguments(CLI::App& app) : m_updatePeriod(dde::kDefaultUpdatePeriod)
 {
     m_options.serviceName = Utf16ToUtf8(dde::kDefaultService);
-    app.add_option("CONFIG", m_options.document, "the configuration document (XML)")->required();
-    app.add_option("--data", m_options.dataFolder, "folder of the filter files (default: the user's data folder)");
+    app.allow_windows_style_options(false);  // one command line on every system, and paths that begin with a slash
+    app.add_option("CONFIG", m_document, "the configuration document (XML)")->required();
+    app.add_option("--data", m_dataFolder, "folder of the filter files (default: the user's data folder)");
     app.add_option("--port", m_ports, "device file of serial port N; may be given several times")
         ->type_name("N=DEVICE")
         ->allow_extra_args(false);
@@ -45,6 +47,8 @@ SupervisionArguments::SupervisionArguments(CLI::App& app) : m_updatePeriod(dde::
 std::string SupervisionArguments::Take(SupervisionOptions& options) const
 {
     options = m_options;
+    options.document = PathFromText(m_document);
+    options.dataFolder = PathFromText(m_dataFolder);
     options.updatePeriod = std::chrono::milliseconds(m_updatePeriod);
     if (m_publishesNothing) {
         options.serviceName.clear();

@@ -24,6 +24,8 @@ public:
 
 private:
     SupervisionOptions m_options;
+    std::string m_document;    // UTF-8, as the arguments are
+    std::string m_dataFolder;  // likewise
     std::vector<std::string> m_ports;
     long m_updatePeriod;  // ms
     bool m_publishesNothing = false;

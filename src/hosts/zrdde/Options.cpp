@@ -140,6 +140,7 @@ ParsedOptions ParseOptions(int argc, char** argv)
     Options options;
     Words words;
     CLI::App app("Client of the publication of live values (DDE): prints them as they arrive.", "zrdde");
+    app.allow_windows_style_options(false);  // one command line on every system, and paths that begin with a slash
     app.require_subcommand(1);
     app.footer(
         "Exit status: 0 done, 1 no such service, topic or item, 2 bad command line, 3 the server ended the "

@@ -2,6 +2,7 @@
 #include "dde/LinkText.h"
 #include "hosts/zrdde/AdviseCommand.h"
 #include "hosts/zrdde/Options.h"
+#include "platform/CommandLine.h"
 #include "platform/Ddeml.h"
 #include "siblings/tools/Utf.h"
 
@@ -58,7 +59,8 @@ int Run(int argc, char** argv)
 int main(int argc, char** argv)
 {
     try {
-        return zr::ddeclient::Run(argc, argv);
+        zr::CommandLine line(argc, argv);
+        return zr::ddeclient::Run(line.Count(), line.Values());
     } catch (const std::exception& error) {
         fmt::print(stderr, "zrdde: {}\n", error.what());
         return zr::ddeclient::kRefused;

@@ -1,6 +1,7 @@
 #include "platform/StopSignals.h"
 
-#include <windows.h>
+#include "platform/win32/ConsoleEvent.h"
+
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -29,9 +30,7 @@ struct StopSignals::State {
         if (s_current == nullptr) {
             return FALSE;
         }
-        const bool isHangUp = event == CTRL_BREAK_EVENT;
-        const StopSignal other = event == CTRL_C_EVENT ? StopSignal::Interrupt : StopSignal::Terminate;
-        s_current->Post(isHangUp ? StopSignal::HangUp : other);
+        s_current->Post(SignalOfConsoleEvent(event));
         return TRUE;
     }
 };

@@ -91,6 +91,7 @@ void LineConnection::BeginOpen()
 void LineConnection::WireOpened()
 {
     m_open = true;
+    m_silence.emplace(m_times.longSilence, Clock::now());
     m_quiet = m_line->LineFreeAt() > Clock::now();  // the line may have been lost while it rested
     if (m_quiet) {
         m_timer->Set(m_line->LineFreeAt());
@@ -201,6 +202,9 @@ void LineConnection::Complete(Outcome outcome, Clock::time_point now)
         if (!transaction.repliesAreNumbered) {
             m_line->TimedOut(transaction.unit, m_sentAt, now);
         }
+        if (m_silence->TimedOut(now)) {
+            m_wire->LookAgain();
+        }
     }
     if (m_open) {
         m_line->Pause(now < m_waryUntil ? std::max<Clock::duration>(m_pause, kWaryPause) : m_pause, now);
@@ -291,6 +295,7 @@ void LineConnection::Accept(std::span<const std::uint8_t> frame, bool moreFollow
 void LineConnection::Deliver(std::span<const std::uint8_t> frame, Clock::time_point receivedAt)
 {
     ZRDeviceTransaction& transaction = *m_current;
+    m_silence->Replied(receivedAt);
     transaction.took = receivedAt - m_sentAt;
     transaction.replySize = frame.size();
     std::copy(frame.begin(), frame.end(), transaction.reply.begin());

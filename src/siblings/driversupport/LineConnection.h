@@ -5,6 +5,7 @@
 #include "siblings/driversupport/DeviceWarning.h"
 #include "siblings/driversupport/IoContext.h"
 #include "siblings/driversupport/IoTimer.h"
+#include "siblings/driversupport/LongSilence.h"
 #include "siblings/driversupport/QuietLine.h"
 #include "siblings/driversupport/Wire.h"
 #include "siblings/driversupport/ZRDeviceConnection.h"
@@ -93,7 +94,8 @@ private:
     std::unique_ptr<Wire> m_wire;
     std::optional<IoTimer> m_timer;
     std::optional<QuietLine> m_line;
-    std::shared_ptr<bool> m_life;  // what was posted and finds it gone does nothing
+    std::optional<LongSilence> m_silence;  // while open
+    std::shared_ptr<bool> m_life;          // what was posted and finds it gone does nothing
     bool m_open = false;
     bool m_quiet = false;
     bool m_lossTold = false;

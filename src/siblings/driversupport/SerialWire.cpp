@@ -15,8 +15,11 @@ namespace zr {
 
 using asio::serial_port_base;
 
-struct SerialWire::Impl : std::enable_shared_from_this<SerialWire::Impl> {
-    Impl(asio::io_context& loop, Listener& wireListener, SerialSettings portSettings)
+namespace {
+
+// What outlives the wire while something of it is under way.
+struct Port : std::enable_shared_from_this<Port> {
+    Port(asio::io_context& loop, Wire::Listener& wireListener, SerialSettings portSettings)
         : listener(wireListener), settings(std::move(portSettings)), port(loop)
     {
     }
@@ -44,7 +47,7 @@ struct SerialWire::Impl : std::enable_shared_from_this<SerialWire::Impl> {
         Set(serial_port_base::stop_bits(serial_port_base::stop_bits::one), error);
         Set(serial_port_base::flow_control(serial_port_base::flow_control::none), error);
         if (error) {
-            listener.WireFailed(Failure::Line, settings.device + ": " + error.message());
+            listener.WireFailed(Wire::Failure::Line, settings.device + ": " + error.message());
             return;
         }
         Receive();
@@ -65,7 +68,7 @@ struct SerialWire::Impl : std::enable_shared_from_this<SerialWire::Impl> {
             return;
         }
         if (error) {
-            listener.WireFailed(Failure::Line, settings.device + ": " + error.message());
+            listener.WireFailed(Wire::Failure::Line, settings.device + ": " + error.message());
             return;
         }
         listener.WireReceived({room.data(), size});
@@ -83,7 +86,7 @@ struct SerialWire::Impl : std::enable_shared_from_this<SerialWire::Impl> {
                           });
     }
 
-    Listener& listener;
+    Wire::Listener& listener;
     SerialSettings settings;
     asio::serial_port port;
     std::array<std::uint8_t, 512> room{};
@@ -92,39 +95,46 @@ struct SerialWire::Impl : std::enable_shared_from_this<SerialWire::Impl> {
     bool isGone = false;
 };
 
-SerialWire::SerialWire(IoContext& context, Listener& listener, const SerialSettings& settings)
-    : m_impl(std::make_shared<Impl>(context.Loop(), listener, settings))
-{
-}
-
-SerialWire::~SerialWire()
-{
-    asio::error_code ignored;
-    m_impl->isGone = true;
-    if (m_impl->port.is_open()) {
-        DropSerialOutput(m_impl->port.native_handle());  // or closing waits until it is sent
-        m_impl->port.close(ignored);
+class SerialWire final : public Wire {
+public:
+    SerialWire(asio::io_context& loop, Listener& listener, const SerialSettings& settings)
+        : m_port(std::make_shared<Port>(loop, listener, settings))
+    {
     }
-}
-
-void SerialWire::Open()
-{
-    const std::shared_ptr<Impl> self = m_impl;  // a failure may destroy this wire
-    self->Open();
-}
-
-void SerialWire::Send(std::span<const std::uint8_t> bytes)
-{
-    // A request that is still being written means that the line stands still: the new one is lost, too.
-    if (!m_impl->isWriting) {
-        m_impl->outgoing.assign(bytes.begin(), bytes.end());
-        m_impl->Write();
+    ~SerialWire() override
+    {
+        asio::error_code ignored;
+        m_port->isGone = true;
+        if (m_port->port.is_open()) {
+            DropSerialOutput(m_port->port.native_handle());  // or closing waits until it is sent
+            m_port->port.close(ignored);
+        }
     }
-}
 
-std::size_t SerialWire::Discard()
+    void Open() override
+    {
+        const std::shared_ptr<Port> port = m_port;  // a failure may destroy this wire
+        port->Open();
+    }
+    void Send(std::span<const std::uint8_t> bytes) override
+    {
+        // A request that is still being written means that the line stands still: the new one is lost, too.
+        if (!m_port->isWriting) {
+            m_port->outgoing.assign(bytes.begin(), bytes.end());
+            m_port->Write();
+        }
+    }
+    std::size_t Discard() override { return DropSerialInput(m_port->port.native_handle()) > 0 ? 1 : 0; }
+
+private:
+    std::shared_ptr<Port> m_port;
+};
+
+}  // namespace
+
+std::unique_ptr<Wire> MakeSerialWire(IoContext& context, Wire::Listener& listener, const SerialSettings& settings)
 {
-    return DropSerialInput(m_impl->port.native_handle()) > 0 ? 1 : 0;
+    return std::make_unique<SerialWire>(context.Loop(), listener, settings);
 }
 
 }  // namespace zr

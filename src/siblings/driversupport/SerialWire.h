@@ -17,18 +17,6 @@ struct SerialSettings {
     SerialParity parity = SerialParity::None;
 };
 
-class SerialWire final : public Wire {
-public:
-    SerialWire(IoContext& context, Listener& listener, const SerialSettings& settings);
-    ~SerialWire() override;
-
-    void Open() override;
-    void Send(std::span<const std::uint8_t> bytes) override;
-    std::size_t Discard() override;
-
-private:
-    struct Impl;
-    std::shared_ptr<Impl> m_impl;
-};
+std::unique_ptr<Wire> MakeSerialWire(IoContext& context, Wire::Listener& listener, const SerialSettings& settings);
 
 }  // namespace zr

@@ -17,6 +17,9 @@ struct ServiceTimes {
     // A lost port is opened again after the first of these, then after twice as long each time, up to the second.
     std::chrono::milliseconds firstReopen{1000};
     std::chrono::milliseconds longestReopen{30000};
+    // After so long without a reply to anybody on a line, the address of its host name is looked up again; and again
+    // after as long.
+    std::chrono::milliseconds longSilence{60000};
     // How long a line rests at least after a request without an answer.
     std::chrono::milliseconds leastQuiet{50};
 };

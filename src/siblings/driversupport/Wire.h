@@ -39,6 +39,9 @@ public:
     virtual void Send(std::span<const std::uint8_t> bytes) = 0;
     // Throws away what was received and not yet told; returns how many frames that were, 1 for any bytes of a stream.
     virtual std::size_t Discard() = 0;
+    // Nothing has come for long: what the far end is known by may stand for another place now. For wires that find it
+    // by name; tells the listener nothing, and changes nothing when the name can't be found.
+    virtual void LookAgain() {}
 };
 
 }  // namespace zr

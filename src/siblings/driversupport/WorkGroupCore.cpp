@@ -5,6 +5,7 @@
 
 namespace zr {
 
+using Heard = DeviceHealth::Heard;
 using Task = PollSchedule::Task;
 using Clock = std::chrono::steady_clock;
 
@@ -54,6 +55,12 @@ void WorkGroupCore::RequestStop()
     if (ClaimQueue()) {
         m_context.QueueUrgent(shared_from_this());
     }
+}
+
+void WorkGroupCore::WaitStopped()
+{
+    std::unique_lock lock(m_restGuard);
+    m_rest.wait(lock, [this] { return Stopped(); });
 }
 
 void WorkGroupCore::DriverCalls()
@@ -124,7 +131,7 @@ ZRDeviceTransaction* WorkGroupCore::RequestFor(const PollSchedule::Turn& turn, D
         case Task::Probe:
             transaction = member.driver->ProbeTransaction();
             if (transaction == nullptr) {
-                member.health.TimedOut(now, {});
+                member.health.TimedOut(now, {}, Heard::Nothing);
                 m_schedule.Park(turn.member, member.health.ProbeAt());
             }
             break;
@@ -196,13 +203,16 @@ void WorkGroupCore::TimedOut(Member& member, const ZRDeviceTransaction& transact
         m_schedule.Hold(transaction.unit, m_connection.UnitFreeAt(transaction.unit));
     }
     const auto cost = HasOthersOnline(member) ? transaction.took : Clock::duration::zero();
-    const DeviceHealth::Change change = member.health.TimedOut(Clock::now(), cost);
+    const Heard heard = transaction.droppedFrames > 0 ? Heard::Damage : Heard::Nothing;
+    const DeviceHealth::Change change = member.health.TimedOut(Clock::now(), cost, heard);
     if (member.health.IsSilent()) {
         m_schedule.Park(m_asked, member.health.ProbeAt());
         member.driver->SetOnline(false);
     }
     if (change == DeviceHealth::Change::Silent) {
         PostNotice(DeviceWarning::DeviceSilent, member.driver->name, m_connection.name);
+    } else if (change == DeviceHealth::Change::Damaged) {
+        PostNotice(DeviceWarning::DeviceAnswersDamaged, member.driver->name, m_connection.name);
     }
 }
 
@@ -233,8 +243,9 @@ void WorkGroupCore::Finish()
         member.driver->SetOnline(false);
     }
     ReleaseAll();
+    const std::lock_guard lock(m_restGuard);
     m_stopped.store(true, std::memory_order_release);
-    m_stopped.notify_all();
+    m_rest.notify_all();
 }
 
 void WorkGroupCore::ReleaseAll()

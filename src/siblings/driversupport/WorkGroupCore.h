@@ -10,8 +10,10 @@
 #include "siblings/driversupport/ZRDeviceDriver.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -32,7 +34,7 @@ public:
     void RequestStop();
     [[nodiscard]] bool Stopped() const { return m_stopped.load(std::memory_order_acquire); }
     // Blocks until Stopped, which RequestStop must have been called for.
-    void WaitStopped() const { m_stopped.wait(false, std::memory_order_acquire); }
+    void WaitStopped();
     void DriverCalls() override;
 
     void Run() override;
@@ -63,6 +65,10 @@ private:
     std::atomic<std::uint32_t> m_notes{0};
     std::atomic<std::uint64_t> m_tick{0};
     std::atomic<bool> m_stopped{false};
+    // Not the wait of std::atomic: where the system has no futex, the standard library of g++ 12 loses a notification
+    // that comes between its last look and its sleep.
+    std::mutex m_restGuard;
+    std::condition_variable m_rest;
 
     // I/O thread only.
     std::vector<Member> m_members;

@@ -98,5 +98,5 @@ bool ZRRSDeviceConnection::LoadParity(const XmlNode& node)
 std::unique_ptr<zr::Wire> ZRRSDeviceConnection::MakeWire(zr::IoContext& wireContext, zr::Wire::Listener& listener)
 {
     m_settings.device = zr::PortDevice(m_port);
-    return std::make_unique<zr::SerialWire>(wireContext, listener, m_settings);
+    return zr::MakeSerialWire(wireContext, listener, m_settings);
 }

@@ -30,5 +30,5 @@ bool ZRUDPDeviceConnection::LoadCfg(const XmlNode& node)
 
 std::unique_ptr<zr::Wire> ZRUDPDeviceConnection::MakeWire(zr::IoContext& wireContext, zr::Wire::Listener& listener)
 {
-    return std::make_unique<zr::UdpWire>(wireContext, listener, m_address, static_cast<std::uint16_t>(m_socket));
+    return zr::MakeUdpWire(wireContext, listener, m_address, static_cast<std::uint16_t>(m_socket));
 }

@@ -87,7 +87,8 @@ TEST_F(DeviceFlapTest, StopsAtTwoHundredMomentsWhateverTheDevicesDo)
 {
     const Holdings before = HoldingsOf("self");
     std::mt19937 random(20261121);
-    LoadDevices(200);
+    // A stop that waits for the time-out of a mute device is seen by that time-out, and by a test that doesn't end.
+    LoadDevices(60000);
     for (int round = 0; round < 200; ++round) {
         for (ModbusResponder& responder : m_responders) {
             responder.SetMuted(random() % 3 == 0);
@@ -97,9 +98,10 @@ TEST_F(DeviceFlapTest, StopsAtTwoHundredMomentsWhateverTheDevicesDo)
         any.WaitForRequests(random() % 4, std::chrono::milliseconds(20));
         // Not a wait for anything: the moment is what varies.
         std::this_thread::sleep_until(std::chrono::steady_clock::now() + std::chrono::microseconds(random() % 3000));
-        const auto asked = std::chrono::steady_clock::now();
         m_system.Stop();
-        ASSERT_LT(std::chrono::steady_clock::now() - asked, std::chrono::seconds(3)) << "round " << round;
+        for (auto connection = m_system.ConnectionsBegin(); connection != m_system.ConnectionsEnd(); ++connection) {
+            ASSERT_EQ((*connection)->Counters().timeouts, 0u) << "round " << round;
+        }
         for (auto group = m_system.GroupsBegin(); group != m_system.GroupsEnd(); ++group) {
             ASSERT_TRUE((*group)->Stopped());
         }

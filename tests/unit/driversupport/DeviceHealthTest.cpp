@@ -8,10 +8,12 @@ namespace {
 
 using namespace std::chrono_literals;
 using Change = DeviceHealth::Change;
+using Heard = DeviceHealth::Heard;
 
 class DeviceHealthTest : public testing::Test {
 protected:
-    Change TimeOut(DeviceHealth::Time::duration cost = 0s) { return health.TimedOut(now, cost); }
+    Change TimeOut(DeviceHealth::Time::duration cost = 0s) { return health.TimedOut(now, cost, Heard::Nothing); }
+    Change Damage() { return health.TimedOut(now, 0s, Heard::Damage); }
 
     DeviceHealth::Time now{1000s};
     DeviceHealth health{ServiceTimes{}};
@@ -46,6 +48,44 @@ TEST_F(DeviceHealthTest, SilenceIsToldOnceAndItsEndOnce)
     EXPECT_EQ(TimeOut(), Change::None);
     EXPECT_EQ(health.Answered(), Change::Back);
     EXPECT_EQ(health.Answered(), Change::None);
+}
+
+TEST_F(DeviceHealthTest, ADeviceThatSendsNothingButDamageIsToldAsDamaged)
+{
+    EXPECT_EQ(Damage(), Change::None);
+    EXPECT_EQ(Damage(), Change::None);
+    EXPECT_EQ(Damage(), Change::Damaged);
+    EXPECT_TRUE(health.IsSilent());
+    EXPECT_EQ(Damage(), Change::None);
+    EXPECT_EQ(TimeOut(), Change::None);
+    EXPECT_EQ(health.Answered(), Change::Back);
+}
+
+TEST_F(DeviceHealthTest, DamageNowAndThenIsNotWhatADeviceFallsSilentOf)
+{
+    for (int quiet = 0; quiet < 3; ++quiet) {
+        Change last = Change::None;
+        for (int request = 0; request < 3; ++request) {
+            last = request == quiet ? TimeOut() : Damage();
+        }
+        EXPECT_EQ(last, Change::Silent) << quiet;
+        EXPECT_EQ(health.Answered(), Change::Back);
+    }
+}
+
+TEST_F(DeviceHealthTest, SilenceBeforeAnAnswerOrALostLineDoesNotCountAgainstLaterDamage)
+{
+    TimeOut();
+    health.Answered();
+    Damage();
+    Damage();
+    EXPECT_EQ(Damage(), Change::Damaged);
+    EXPECT_EQ(health.Answered(), Change::Back);
+    TimeOut();
+    health.LineLost();
+    Damage();
+    Damage();
+    EXPECT_EQ(Damage(), Change::Damaged);
 }
 
 TEST_F(DeviceHealthTest, ASilentDeviceIsAskedAtGrowingIntervals)

@@ -2,6 +2,7 @@
 
 #include "siblings/driversupport/DeviceWarning.h"
 #include "siblings/driversupport/ServiceTimes.h"
+#include "siblings/driversupport/UdpWire.h"
 #include "siblings/driversupport/ZRRSDeviceConnection.h"
 #include "TestDevice.h"
 
@@ -21,6 +22,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kSilent = static_cast<int>(DeviceWarning::DeviceSilent);
+constexpr int kDamaged = static_cast<int>(DeviceWarning::DeviceAnswersDamaged);
 constexpr int kAgain = static_cast<int>(DeviceWarning::DeviceAnswersAgain);
 
 class ZRDeviceWorkGroupTest : public testing::Test {
@@ -263,6 +265,28 @@ TEST_F(ZRDeviceWorkGroupTest, WarnsOnceOfADeviceThatWasNeverThereAndPicksItUp)
     EXPECT_TRUE(WaitFor([&] { return CountNotices(kAgain, u"ABSENT") == 1; }));
 }
 
+TEST_F(ZRDeviceWorkGroupTest, TellsADeviceThatOnlySendsDamageFromASilentOne)
+{
+    std::atomic<bool> isBroken{true};
+    UdpDevice device([&](UdpDevice& self, std::span<const std::uint8_t> request) {
+        std::vector<std::uint8_t> reply = EchoReply(request[1], static_cast<std::uint8_t>(request[1] + request[2]));
+        reply[3] = static_cast<std::uint8_t>(reply[3] + (isBroken ? 1 : 0));
+        self.Send(reply);
+    });
+    Configure(device, "20");
+    EchoDriver driver(u"BROKEN", 1, 1ms);
+    ZRDeviceWorkGroup group(u"NET");
+    group.Add(&driver);
+    ASSERT_TRUE(group.Start(&connection));
+    ASSERT_TRUE(WaitFor([&] { return CountNotices(kSilent, u"BROKEN") + CountNotices(kDamaged, u"BROKEN") > 0; }));
+    EXPECT_EQ(CountNotices(kDamaged, u"BROKEN"), 1);
+    EXPECT_FALSE(driver.Online());
+    isBroken = false;
+    EXPECT_TRUE(WaitFor([&] { return CountNotices(kAgain, u"BROKEN") == 1; }));
+    EXPECT_TRUE(WaitFor([&] { return driver.Online() && driver.Store()->At(0).IsValid(); }));
+    EXPECT_EQ(CountNotices(kSilent, u"BROKEN"), 0);
+}
+
 TEST_F(ZRDeviceWorkGroupTest, NeverBelievesWhatIsLateDoubledDamagedCutOrForeign)
 {
     std::mt19937 random(7);
@@ -319,7 +343,7 @@ TEST_F(ZRDeviceWorkGroupTest, StopsAtRandomMomentsWithoutALeak)
             AnswerAtOnce(self, request);
         }
     });
-    Configure(device, "1000");
+    Configure(device, "60000");
     EchoDriver driver(u"STOPS", 1, 0ms);
     const int descriptors = OpenDescriptors();
     const int threads = RunningThreads();
@@ -332,8 +356,8 @@ TEST_F(ZRDeviceWorkGroupTest, StopsAtRandomMomentsWithoutALeak)
         ASSERT_TRUE(WaitFor([&] { return device.requests >= enough; }));
         group.OneHzCall(ZRDateTime(1, 0));
         group.Stop();
-        // Waits for no time-out: with a second each, the limit would be passed.
-        ASSERT_TRUE(WaitFor([&] { return group.Stopped(); }, 3s));
+        ASSERT_TRUE(WaitFor([&] { return group.Stopped(); }));
+        ASSERT_EQ(connection.Counters().timeouts, 0u) << "it waited for a mute device";
         group.OneHzCall(ZRDateTime(2, 0));
     }
     EXPECT_EQ(OpenDescriptors(), descriptors);
@@ -371,6 +395,23 @@ TEST_F(ZRDeviceWorkGroupTest, ComesToRestWhenItIsDestroyedWhileItRuns)
         ASSERT_TRUE(WaitFor([&] { return mute.requests == 1; }));
     }
     EXPECT_EQ(driver.cancelled, 1);
+}
+
+TEST_F(ZRDeviceWorkGroupTest, ComesToRestHoweverOftenItIsDestroyedJustAfterItsStart)
+{
+    UdpDevice device(AnswerAtOnce);
+    Configure(device, "1000");
+    EchoDriver driver(u"BRIEF", 1, 0ms);
+    ZRUDPDeviceConnection other;
+    ZRDeviceWorkGroup bystander(u"NET");  // keeps the threads
+    test::Configure(other, {{u"Name", "OTHER"}, {u"Address", "127.0.0.1"}, {u"Socket", "9"}});
+    ASSERT_TRUE(bystander.Start(&other));
+    for (int round = 0; round < 3000; ++round) {
+        ZRDeviceWorkGroup group(u"NET");
+        group.Add(&driver);
+        ASSERT_TRUE(group.Start(&connection));
+    }
+    EXPECT_FALSE(driver.Online());
 }
 
 #ifndef _WIN32  // It has no pseudo-terminals that serve as serial ports.
@@ -463,6 +504,49 @@ TEST_F(ZRDeviceWorkGroupTest, OpensALostPortAgainWithOneWarningForAllItsDevices)
     EXPECT_EQ(driver.wrongValues, 0);
 }
 #endif
+
+// Its host name stands for the addresses that the test says.
+class NamedConnection final : public ZRUDPDeviceConnection {
+public:
+    explicit NamedConnection(const UdpDevice& device)
+    {
+        test::Configure(
+            *this,
+            {{u"Name", "MOVED"}, {u"Address", "there"}, {u"Socket", std::to_string(device.Port())}, {u"TimeOut", "4"}});
+    }
+
+    std::atomic<int> lookups{0};
+    std::atomic<bool> hasMoved{false};
+
+protected:
+    std::unique_ptr<Wire> MakeWire(IoContext& wireContext, Wire::Listener& listener) override
+    {
+        const HostLookup lookup = [this](const std::string&, const HostsFound& found) {
+            ++lookups;
+            found({hasMoved ? "127.0.0.1" : "127.0.0.2"}, {});
+        };
+        return MakeUdpWire(wireContext, listener, Address(), static_cast<std::uint16_t>(Socket()), lookup);
+    }
+};
+
+TEST_F(ZRDeviceWorkGroupTest, FindsDevicesThatHaveMovedAfterLongSilence)
+{
+    ServiceTimes times = CurrentServiceTimes();
+    times.longSilence = 10ms;
+    SetServiceTimes(times);
+    UdpDevice device(AnswerAtOnce);
+    NamedConnection named(device);
+    EchoDriver driver(u"MOVES", 1, 1ms);
+    ZRDeviceWorkGroup group(u"MOVED");
+    group.Add(&driver);
+    ASSERT_TRUE(group.Start(&named));
+    ASSERT_TRUE(WaitFor([&] { return named.lookups > 2; }));
+    EXPECT_FALSE(driver.Online());
+    named.hasMoved = true;
+    EXPECT_TRUE(WaitFor([&] { return driver.Online(); }));
+    group.Stop();
+    EXPECT_TRUE(WaitFor([&] { return group.Stopped(); }));
+}
 
 TEST_F(ZRDeviceWorkGroupTest, TakesAHostNameForAnAddress)
 {

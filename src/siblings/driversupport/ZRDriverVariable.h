@@ -46,6 +46,8 @@ public:
     // Nothing is written when not locked.
     void Value(tagSVariableValue& value) override;
     bool ValueInfo(ZRDeviceDriver::tagSVariableValueInfo& info) const;
+    // The variable's handle at its driver; 0 when not locked.
+    [[nodiscard]] unsigned Id() const { return m_store != nullptr ? static_cast<unsigned>(m_index + 1) : 0; }
 
     // Of a locked variable; null otherwise. Not owned, and stale once the device is gone.
     ZRDeviceDriver* driver = nullptr;

@@ -23,10 +23,17 @@ public:
     [[nodiscard]] int MarkerOf(int slot) const { return m_markers.at(static_cast<std::size_t>(slot)); }
 
 private:
+    // Each finds the zones and the places of the markers.
     void PlaceByScale();
     void PlaceByPowerFactor();
+    void PlaceByMarks();
+    void PlaceWithoutChecks(const BarScales& scales);
+    void PlaceByLimits(const BarScales& scales);
+
     void AddLabel(const BarPaint& paint, const TextMeasure& measure, Size sample);
     void AddNumbers(const BarPaint& paint, const TextMeasure& measure);
+    // Where the numbers of the two marks stand under the bar.
+    void PlaceMarkNumbers(Size highMark, Size lowMark);
     void AddStrips(const BarPaint& paint);
     void AddTicks(const BarPaint& paint);
 

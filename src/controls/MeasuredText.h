@@ -21,6 +21,8 @@ public:
         LowWarning,
         HighAlarm,
         HighWarning,
+        HighAlarmNumber,
+        HighWarningNumber,
         Units,
         Info,
         UseCount

@@ -3,6 +3,7 @@
 
 #include "controls/BarShading.h"
 #include "controls/BarSlots.h"
+#include "controls/BarZones.h"
 #include "controls/DrawList.h"
 #include "controls/LimitChecks.h"
 #include "controls/MeasuredText.h"
@@ -14,13 +15,6 @@
 #include <vector>
 
 namespace zr::controls {
-
-// Colours of the zones.
-struct BarColours {
-    Rgb green = MakeRgb(0, 200, 50);
-    Rgb yellow = MakeRgb(220, 220, 0);
-    Rgb red = MakeRgb(220, 0, 0);
-};
 
 // What a window knows when it paints.
 struct BarPaint {
@@ -66,13 +60,20 @@ protected:
     ValueBar(const ValueBar&) = default;
     ValueBar& operator=(const ValueBar&) = default;
 
-    // Colours of a number: of the slot's selection, or of the face.
-    static Text NumberText(const Rect& rect, const ZRBasicString& text, bool selected, const SystemColours& colours);
+    // Starts a draw list and forgets where the numbers stood. False when the client has no pixels.
+    bool BeginCompose(const BarPaint& paint);
+    // Frame and picture, from the stretches that were put into m_content in client coordinates.
+    void AddPicture(BarAxis axis, const Rect& bar, const SystemColours& colours);
     // A client too small for a bar: the present value alone, centred at the top.
     void ComposeNumberOnly(const BarPaint& paint, const TextMeasure& measure);
-    // The text of a slot: the shown number, or "-" when it isn't valid.
-    [[nodiscard]] ZRBasicString NumberOf(int slot, const BarPaint& paint) const;
-    void ForgetTextRects();
+    // The shown number of a slot, or "-" when it isn't valid.
+    [[nodiscard]] ZRBasicString SlotText(int slot, const BarPaint& paint) const;
+    // A text at the slot's textRect, in the colours of its selection.
+    void AddNumber(int slot, const ZRBasicString& text, const SystemColours& colours);
+    // The bar with two pixels more on each side.
+    [[nodiscard]] static Rect FrameOf(const Rect& bar);
+    // Whether the bar has any zone; without, it shows the face.
+    [[nodiscard]] bool HasZones() const { return !m_content.stretches.empty(); }
 
     LimitChecks m_limits;
     BarColours m_colours;
@@ -82,6 +83,7 @@ protected:
     int m_fontSize = 0;
     int m_idealHeight = 0;
     bool m_dirty = false;  // numbers moved: what they leave free must be cleared
+    Rect m_client;         // of the paint under way
     MeasuredTexts m_measured;
     BarPictureContent m_content;  // of the paint under way, kept for its memory
     BarPicture m_picture;

@@ -47,19 +47,29 @@ public:
 private:
     enum Limit { LowAlarm, LowWarning, HighAlarm, HighWarning, LimitCount };
 
+    [[nodiscard]] bool Shows(int displayFlag) const { return (m_displayFlags & displayFlag) != 0; }
+    void PlaceBar(const TextMeasure& measure);
     void PlaceMarkers();
-    void PlaceByLimits();
-    void PlaceWithoutChecks();
     void PlaceByMarks();
-    void AddLabel(const BarPaint& paint, const TextMeasure& measure);
+    void PlaceWithoutChecks();
+    void PlaceByLimits();
+    // Holds the present value to its range, or takes it off the scale.
+    void ClampPresent(const BarRange& range);
+
     void AddNumbers(const BarPaint& paint, const TextMeasure& measure);
     void AddStrips(const BarPaint& paint);
+    void AddLabel(const BarPaint& paint, const TextMeasure& measure);
+    // The frame's width, or more for a wider label while no number stands there.
+    [[nodiscard]] Rect LabelCell(int labelWidth) const;
     void AddMarkers(const BarPaint& paint);
     void AddArrow(const BarPaint& paint);
     void AddLabelInfo(const BarPaint& paint, const TextMeasure& measure);
     void AddLimits(const BarPaint& paint, const TextMeasure& measure);
+    void AddLimitTick(int row, const BarPaint& paint);
     void AddLowLimit(Limit limit, int row, const BarPaint& paint, const TextMeasure& measure);
     void AddHighLimit(Limit limit, int row, const BarPaint& paint, const TextMeasure& measure);
+    // Ends left of the frame, with its bottom on that row.
+    void AddLimitText(const ZRBasicString& text, Size size, int bottom, const BarPaint& paint);
 
     int m_displayFlags = 0;
     ZRBasicString m_labelInfo;
@@ -68,7 +78,7 @@ private:
     bool m_hasInstantValue = false;
 
     Rect m_bar;
-    Size m_sample;
+    Rect m_frame;
     BarScales m_scales;
     BarPlaces m_markers = {};
     bool m_onScale = true;

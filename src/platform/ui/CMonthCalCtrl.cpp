@@ -1,5 +1,7 @@
 #include "platform/ui/CMonthCalCtrl.h"
 
+#include <QLocale>
+
 namespace {
 
 QDate ToDate(CMonthCalCtrl::Day day)
@@ -12,6 +14,29 @@ QDate ToDate(CMonthCalCtrl::Day day)
 CMonthCalCtrl::CMonthCalCtrl(QWidget* parent, unsigned id) : QCalendarWidget(parent)
 {
     zr::ui::SetControlId(*this, id);
+    // Digits would open a small editor over the calendar, which no one expects here.
+    setDateEditEnabled(false);
+}
+
+void CMonthCalCtrl::SetLanguage(std::string_view language)
+{
+    // English as the rest of the suite writes it.
+    const QString name = language == "en" ? QStringLiteral("en_GB") : QString::fromLatin1(language);
+    setLocale(name.isEmpty() ? QLocale::system() : QLocale(name));
+}
+
+void CMonthCalCtrl::SetFirstDayOfWeek(int day)
+{
+    constexpr int kSunday = 1;
+    constexpr int kSaturday = 7;
+    if (day >= kSunday && day <= kSaturday) {
+        setFirstDayOfWeek(day == kSunday ? Qt::Sunday : static_cast<Qt::DayOfWeek>(day - 1));
+    }
+}
+
+void CMonthCalCtrl::ShowWeekNumbers(bool show)
+{
+    setVerticalHeaderFormat(show ? QCalendarWidget::ISOWeekNumbers : QCalendarWidget::NoVerticalHeader);
 }
 
 void CMonthCalCtrl::SetRange(Day first, Day last)
@@ -32,7 +57,7 @@ bool CMonthCalCtrl::SetCurSel(Day day)
 bool CMonthCalCtrl::GetCurSel(Day& day) const
 {
     const QDate date = selectedDate();
-    if (!date.isValid()) {
+    if (!date.isValid() || selectionMode() == QCalendarWidget::NoSelection) {
         return false;
     }
     day = {date.year(), date.month(), date.day()};

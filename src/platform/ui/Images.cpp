@@ -1,21 +1,12 @@
 #include "platform/ui/Images.h"
 
+#include "platform/ui/ImageTable.h"
+
 #include <algorithm>
-#include <iterator>
 #include <QFile>
 
 namespace zr::ui {
 namespace {
-
-struct Entry {
-    unsigned number;
-    const char* name;
-};
-// Image numbers to the title of the file that draws them.
-constexpr Entry kImages[] = {
-    {65, "cancel"},
-    {66, "ok"},
-};
 
 QString& Folder()
 {
@@ -30,17 +21,20 @@ void SetImageFolder(const std::filesystem::path& folder)
     Folder() = QString::fromStdU16String(folder.u16string());
 }
 
-QIcon Image(unsigned number)
+QIcon Image(unsigned number, int position)
 {
-    const auto* const entry =
-        std::find_if(std::begin(kImages), std::end(kImages), [number](const Entry& e) { return e.number == number; });
-    return entry != std::end(kImages) ? NamedImage(QString::fromLatin1(entry->name)) : QIcon();
+    const auto entry = std::find_if(kImageTable.begin(), kImageTable.end(),
+                                    [&](const ImageEntry& e) { return e.number == number && e.position == position; });
+    return entry != kImageTable.end() ? NamedImage(QString::fromLatin1(entry->title)) : QIcon();
 }
 
 QIcon NamedImage(const QString& name)
 {
+    const bool isTitle = !name.isEmpty() && std::all_of(name.begin(), name.end(), [](QChar character) {
+        return character.isLetterOrNumber() || character == QLatin1Char('-') || character == QLatin1Char('_');
+    });
     const QString file = Folder() + QLatin1Char('/') + name + QLatin1String(".svg");
-    return !Folder().isEmpty() && QFile::exists(file) ? QIcon(file) : QIcon();
+    return isTitle && !Folder().isEmpty() && QFile::exists(file) ? QIcon(file) : QIcon();
 }
 
 }  // namespace zr::ui

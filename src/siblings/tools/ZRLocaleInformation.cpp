@@ -33,18 +33,19 @@ ZRLocaleInformation<S> RecordFrom(const zr::SystemLocale& system, Convert conver
 }
 
 struct Records {
-    explicit Records(const zr::SystemLocale& conventions)
-        : wide(zr::WideLocaleInformation(conventions)), narrow(zr::NarrowLocaleInformation(conventions))
+    Records(std::string_view name, const zr::SystemLocale& conventions)
+        : language(name), wide(zr::WideLocaleInformation(conventions)), narrow(zr::NarrowLocaleInformation(conventions))
     {
     }
 
+    const std::string_view language;
     const ZRLocaleInformation<ZRBasicString> wide;
     const ZRLocaleInformation<ZRBasicString8> narrow;
 };
 
 const Records& SystemRecords()
 {
-    static const Records records(zr::ReadSystemLocale());
+    static const Records records("", zr::ReadSystemLocale());
     return records;
 }
 
@@ -54,7 +55,7 @@ const std::deque<Records>& LanguageRecords()
     static const std::deque<Records> records = [] {
         std::deque<Records> made;
         for (const zr::LanguageLocale& locale : zr::LanguageLocales()) {
-            made.emplace_back(locale.conventions);
+            made.emplace_back(locale.language, locale.conventions);
         }
         return made;
     }();
@@ -82,6 +83,11 @@ ZRLocaleInformation<ZRBasicString> WideLocaleInformation(const SystemLocale& sys
 ZRLocaleInformation<ZRBasicString8> NarrowLocaleInformation(const SystemLocale& system)
 {
     return RecordFrom<ZRBasicString8>(system, [](const std::string& text) { return ZRBasicString8(text); });
+}
+
+std::string_view LocaleInformationLanguage()
+{
+    return InForce().language;
 }
 
 bool SetLocaleInformation(std::string_view language)

@@ -51,6 +51,8 @@ namespace zr {
 
 struct SystemLocale;
 
+// The language whose record is in force, such as "de"; empty for the system's. Lives for ever. Any thread.
+std::string_view LocaleInformationLanguage();
 // Numbers and dates from now on as the language has them, given by the title of its file, such as "de"; empty: as the
 // system has them, as at the start. False, and nothing changed, for a language that isn't in LanguageLocale.h. Any
 // thread; meant for the one that shows the windows, which then asks them to paint anew.

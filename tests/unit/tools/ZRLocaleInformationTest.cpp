@@ -130,6 +130,13 @@ TEST_F(ZRLocaleInformationInForce, PutsTheDayFirstAndStartsTheWeekOnMonday)
     }
 }
 
+TEST_F(ZRLocaleInformationInForce, TellsItsLanguage)
+{
+    EXPECT_EQ(zr::LocaleInformationLanguage(), "");
+    ASSERT_TRUE(zr::SetLocaleInformation("es"));
+    EXPECT_EQ(zr::LocaleInformationLanguage(), "es");
+}
+
 TEST_F(ZRLocaleInformationInForce, StaysAsItWasForAnUnknownLanguage)
 {
     ASSERT_TRUE(zr::SetLocaleInformation("de"));

@@ -1,8 +1,8 @@
-#include "hosts/zrdde/LinkText.h"
+#include "dde/LinkText.h"
 
 #include <gtest/gtest.h>
 
-namespace zr::ddeclient {
+namespace zr::dde {
 
 TEST(LinkText, QuotesTheTopicAlwaysAndTheOthersAtNeed)
 {
@@ -22,4 +22,4 @@ TEST(LinkText, TheFunctionQuotesEveryName)
     EXPECT_EQ(LinkFunction(u"KESTRIX", u"METER-1", u"U1"), u"=DDE(\"KESTRIX\";\"METER-1\";\"U1\")");
 }
 
-}  // namespace zr::ddeclient
+}  // namespace zr::dde

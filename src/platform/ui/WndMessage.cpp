@@ -22,6 +22,11 @@ bool WndMessageTarget::OnCommand(unsigned, unsigned, QWidget*)
     return false;
 }
 
+bool WndMessageTarget::OnNotify(const NMHDR&)
+{
+    return false;
+}
+
 bool WndMessageTarget::OnMessage(unsigned, std::uintptr_t, std::intptr_t)
 {
     return false;
@@ -37,6 +42,8 @@ bool WndMessageTarget::Dispatch(QEvent& event)
         const auto word = static_cast<unsigned>(message.wParam);
         event.setAccepted(
             OnCommand(word & 0xffffu, (word >> 16) & 0xffffu, reinterpret_cast<QWidget*>(message.lParam)));
+    } else if (message.message == kNotify) {
+        event.setAccepted(OnNotify(*reinterpret_cast<const NMHDR*>(message.lParam)));
     } else {
         event.setAccepted(OnMessage(message.message, message.wParam, message.lParam));
     }
@@ -64,6 +71,11 @@ bool SendCommand(QWidget* parent, unsigned id, unsigned code, QWidget* from)
 {
     return SendMessage(parent, kCommand, (id & 0xffffu) | (static_cast<std::uintptr_t>(code & 0xffffu) << 16),
                        reinterpret_cast<std::intptr_t>(from));
+}
+
+bool SendNotify(QWidget* parent, const NMHDR& notice)
+{
+    return SendMessage(parent, kNotify, notice.idFrom, reinterpret_cast<std::intptr_t>(&notice));
 }
 
 }  // namespace zr::ui

@@ -8,7 +8,15 @@ class QWidget;
 
 namespace zr::ui {
 
+inline constexpr unsigned kNotify = 0x004e;   // WM_NOTIFY: id in wParam, a pointer to NMHDR in lParam; sent only
 inline constexpr unsigned kCommand = 0x0111;  // WM_COMMAND: id in the low word of wParam, notification code in the high
+
+// What a control tells its parent; each control's header holds the codes and what follows the header.
+struct NMHDR {
+    QWidget* hwndFrom = nullptr;
+    unsigned idFrom = 0;
+    unsigned code = 0;
+};
 
 // UI thread only.
 class WndMessage : public QEvent {
@@ -26,6 +34,8 @@ class WndMessageTarget {
 public:
     // A command of a control, a menu or a bar; from is null for a menu. True when handled.
     virtual bool OnCommand(unsigned id, unsigned code, QWidget* from);
+    // A notice of a control with more to tell than a number; valid during the call. True when handled.
+    virtual bool OnNotify(const NMHDR& notice);
     // Any other message. True when handled.
     virtual bool OnMessage(unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
 
@@ -41,5 +51,7 @@ bool SendMessage(QWidget* window, unsigned message, std::uintptr_t wParam, std::
 void PostMessage(QWidget* window, unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
 // The command of a control to its parent: sent, not posted, with the control's window as lParam.
 bool SendCommand(QWidget* parent, unsigned id, unsigned code, QWidget* from);
+// The notice of a control to its parent, likewise sent.
+bool SendNotify(QWidget* parent, const NMHDR& notice);
 
 }  // namespace zr::ui

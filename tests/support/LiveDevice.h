@@ -33,6 +33,7 @@ public:
 
     void Write(std::size_t index, double value) { Store()->At(index).WriteNumber(value); }
     void Invalidate(std::size_t index) { Store()->At(index).Invalidate(); }
+    void InvalidateAll() { Store()->InvalidateAll(); }
 };
 
 }  // namespace zr::test

@@ -156,7 +156,10 @@ void MeasureOneItem(DWORD instance)
     zr::bench::PrintLine("variable.read_beside_ns", Median(read), "ns");
 }
 
-void MeasureAllItems(const std::vector<std::unique_ptr<BenchDevice>>& devices)
+enum class Written { Changes, Everything };
+
+// 1 % of the values change before each pass; the others are not written, or written anew with what they have.
+void MeasureAllItems(const std::vector<std::unique_ptr<BenchDevice>>& devices, Written written, const char* line)
 {
     std::uint64_t total = received;
     for (int settle = 0; settle < 2; ++settle) {
@@ -166,10 +169,16 @@ void MeasureAllItems(const std::vector<std::unique_ptr<BenchDevice>>& devices)
         TakeUpdates(total);
     }
     std::vector<double> times;
+    static std::vector<double> values(kItems, -1.0);
+    static double fresh = 1000.0;
     for (int round = 0; round < kRounds; ++round) {
-        for (int i = 0; i < kChanged; ++i) {
-            const auto item = static_cast<std::size_t>((i * 100 + round * 7) % kItems);
-            devices[item / kVariablesOfEach]->Store()->At(item % kVariablesOfEach).WriteNumber(1000.0 + round);
+        fresh += 1.0;
+        const int step = written == Written::Everything ? 1 : 100;
+        for (int i = 0; i < kItems; i += step) {
+            const auto item = static_cast<std::size_t>((i + round * 7) % kItems);
+            double& value = values[item];
+            value = i % 100 == 0 ? fresh : value < 0.0 ? static_cast<double>(item % kVariablesOfEach) : value;
+            devices[item / kVariablesOfEach]->Store()->At(item % kVariablesOfEach).WriteNumber(value);
         }
         const std::uint64_t before = ZRDDEValues::PostCount();
         const auto start = Clock::now();
@@ -181,7 +190,7 @@ void MeasureAllItems(const std::vector<std::unique_ptr<BenchDevice>>& devices)
         total += kChanged;
         TakeUpdates(total);
     }
-    zr::bench::PrintLine("dde.update_values_100k_ms", Median(times), "ms");
+    zr::bench::PrintLine(line, Median(times), "ms");
 }
 
 }  // namespace
@@ -204,7 +213,8 @@ int main()
     if (ZRDDEValues::WatchedItemCount() != kItems) {
         Fail("not every item is watched");
     }
-    MeasureAllItems(devices);
+    MeasureAllItems(devices, Written::Changes, "dde.update_values_100k_ms");
+    MeasureAllItems(devices, Written::Everything, "dde.update_values_rewritten_ms");
     DdeUninitialize(client);
     server.Stop();
     return 0;

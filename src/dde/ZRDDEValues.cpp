@@ -1,19 +1,19 @@
 #include "dde/ZRDDEValues.h"
 
 #include "dde/LinkName.h"
+#include "dde/WatchList.h"
 #include "siblings/driversupport/ZRDeviceDriver.h"
 
 #include <new>
 
 namespace {
 
-// How far ahead of the item in hand the memory of the next ones is asked for.
-constexpr std::size_t kPrefetchDistance = 6;
+// The items of allItems in its order: walking 100,000 nodes of a map costs several times as much.
+zr::dde::WatchList watchList;
 
 }  // namespace
 
 ZRDDEValues::ItemMap ZRDDEValues::allItems;
-std::vector<ZRDDEValues::ZRTopicItem*> ZRDDEValues::watchList;
 bool ZRDDEValues::isWatchListCurrent = false;
 std::size_t ZRDDEValues::linkCount = 0;
 
@@ -105,17 +105,11 @@ void ZRDDEValues::DeleteItem(Key key)
 void ZRDDEValues::UpdateValues()
 {
     if (!isWatchListCurrent) {
-        watchList.clear();
+        watchList.Clear();
         for (const auto& [key, watched] : allItems) {
-            watchList.push_back(watched.get());
+            watchList.Add(*watched);
         }
         isWatchListCurrent = true;
     }
-    const std::size_t count = watchList.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        if (i + kPrefetchDistance < count) {
-            watchList[i + kPrefetchDistance]->Prefetch();
-        }
-        watchList[i]->Update();
-    }
+    watchList.Update();
 }

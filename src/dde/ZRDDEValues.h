@@ -10,7 +10,6 @@
 #include <map>
 #include <memory>
 #include <utility>
-#include <vector>
 
 // The links of one conversation, and for the whole program the items that UpdateValues watches. A conversation is not
 // tied to its topic: each link brings its own.
@@ -58,10 +57,7 @@ private:
     using ItemMap = std::map<Key, std::shared_ptr<ZRTopicItem>, zr::dde::TopicItemOrder>;
 
     static ItemMap allItems;
-    // The items of allItems in its order, side by side: walking 100,000 nodes of a map costs several times as much.
-    // Made anew by UpdateValues when it is out of date.
-    static std::vector<ZRTopicItem*> watchList;
-    static bool isWatchListCurrent;
+    static bool isWatchListCurrent;  // whether UpdateValues has seen what came to allItems and went
     static std::size_t linkCount;
     static std::uint64_t postCount;
 
@@ -83,6 +79,8 @@ public:
     // if DDE has no room. It always tells the number of the last value, 0 if there never was one, whatever its type.
     HDDEDATA CreateData(UINT format) const;
 
+    // Whether the next Update posts though the value was not written.
+    [[nodiscard]] bool PostsWithoutChange() const;
     // Has the processor fetch what Update reads.
     void Prefetch() const;
 

@@ -30,6 +30,11 @@ bool ZRDDEValues::ZRTopicItem::Setup(HSZ topicHandle, HSZ itemHandle)
     return true;
 }
 
+bool ZRDDEValues::ZRTopicItem::PostsWithoutChange() const
+{
+    return firstPost || value.type < tagSVariableValue::kBoolean || value.type > tagSVariableValue::kWords;
+}
+
 void ZRDDEValues::ZRTopicItem::Prefetch() const
 {
     constexpr std::size_t kCacheLine = 64;

@@ -43,7 +43,7 @@ CGoToDateDlg::CGoToDateDlg(QWidget* parent)
     buttons->AddControl(m_ok, ZRLayout::Size::Percent(50));
     buttons->AddControl(m_cancel, ZRLayout::Size::Percent(50));
     m_layout.AddControl(m_calendar, ZRLayout::Size::Percent(100));
-    m_layout.AddLayout(std::move(buttons), ZRLayout::Size::Fixed(ZRLayout::kControlSize));
+    m_layout.AddLayout(std::move(buttons), ZRLayout::Size::Natural());
 }
 
 void CGoToDateDlg::SetDate(double date)

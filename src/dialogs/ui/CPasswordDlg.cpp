@@ -48,15 +48,19 @@ CPasswordDlg::CPasswordDlg(QWidget* parent, PasswordCheck check, int maxLength)
         return row;
     };
     auto buttons = std::make_unique<ZRHoritzontalLayout>(*this);
+    buttons->AddGap(ZRLayout::Size::Fixed(kInset));
     buttons->AddControl(m_ok, ZRLayout::Size::Percent(50));
+    buttons->AddGap();
     buttons->AddControl(m_cancel, ZRLayout::Size::Percent(50));
+    buttons->AddGap(ZRLayout::Size::Fixed(kInset));
     m_layout.AddGap(ZRLayout::Size::Fixed(kInset));
     m_layout.AddLayout(inset(m_prompt), ZRLayout::Size::Natural());
     m_layout.AddGap();
     m_layout.AddLayout(inset(m_edit), ZRLayout::Size::Fixed(ZRLayout::kControlSize));
     m_layout.AddGap(ZRLayout::Size::Fixed(kInset));
     m_layout.AddGap(ZRLayout::Size::Percent(100));
-    m_layout.AddLayout(std::move(buttons), ZRLayout::Size::Fixed(ZRLayout::kControlSize));
+    m_layout.AddLayout(std::move(buttons), ZRLayout::Size::Natural());
+    m_layout.AddGap(ZRLayout::Size::Fixed(kInset));
 }
 
 bool CPasswordDlg::OnInitDialog()

@@ -1,6 +1,7 @@
 #include "platform/ui/CMonthCalCtrl.h"
 
 #include <QLocale>
+#include <QTextCharFormat>
 
 namespace {
 
@@ -16,6 +17,11 @@ CMonthCalCtrl::CMonthCalCtrl(QWidget* parent, unsigned id) : QCalendarWidget(par
     zr::ui::SetControlId(*this, id);
     // Digits would open a small editor over the calendar, which no one expects here.
     setDateEditEnabled(false);
+    // Qt's own red is hard to read on dark.
+    QTextCharFormat weekend;
+    weekend.setForeground(QColor(0xd6, 0x3b, 0x41));
+    setWeekdayTextFormat(Qt::Saturday, weekend);
+    setWeekdayTextFormat(Qt::Sunday, weekend);
 }
 
 void CMonthCalCtrl::SetLanguage(std::string_view language)

@@ -85,6 +85,8 @@ public:
     // The last value stays readable.
     void Invalidate();
     [[nodiscard]] bool IsValid() const { return (m_typeAndValid.load(std::memory_order_acquire) & kValidBit) != 0; }
+    // Another number after each write of a value, whether it changed or not; odd while one is under way.
+    [[nodiscard]] std::uint32_t Writes() const { return m_sequence.load(std::memory_order_acquire); }
     // Writes `type` and the payload of that type; nothing else of the record. Type 0 before the first write.
     void Read(tagSVariableValue& out) const;
 

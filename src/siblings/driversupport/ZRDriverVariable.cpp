@@ -78,6 +78,11 @@ void ZRDriverVariable::Value(tagSVariableValue& value)
     }
 }
 
+const zr::LiveValue* ZRDriverVariable::Live() const
+{
+    return m_store != nullptr ? &m_store->At(m_index) : nullptr;
+}
+
 bool ZRDriverVariable::ValueInfo(ZRDeviceDriver::tagSVariableValueInfo& info) const
 {
     if (m_store == nullptr) {

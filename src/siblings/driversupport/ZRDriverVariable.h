@@ -49,6 +49,9 @@ public:
     // The variable's handle at its driver; 0 when not locked.
     [[nodiscard]] unsigned Id() const { return m_store != nullptr ? static_cast<unsigned>(m_index + 1) : 0; }
 
+    // What Value() reads: null when not locked; valid until the variable is unlocked.
+    const zr::LiveValue* Live() const;
+
     // Of a locked variable; null otherwise. Not owned, and stale once the device is gone.
     ZRDeviceDriver* driver = nullptr;
 

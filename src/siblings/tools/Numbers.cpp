@@ -1,5 +1,8 @@
 #include "siblings/tools/Numbers.h"
 
+#include "siblings/tools/ScaledDigits.h"
+#include "siblings/tools/TextRoom.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -22,16 +25,6 @@ bool IsBlank(wchar character)
     return character == u' ' || character == u'\t' || character == 0xA0 || character == 0x202F;
 }
 
-ZRBasicString Widen(std::string_view ascii)
-{
-    ZRBasicString out;
-    out.Reserve(ascii.size());
-    for (const char character : ascii) {
-        out += static_cast<wchar>(static_cast<unsigned char>(character));
-    }
-    return out;
-}
-
 // The C locale's record, for FormatNumber without the user's.
 const Locale& PlainLocale()
 {
@@ -43,49 +36,109 @@ const Locale& PlainLocale()
     return locale;
 }
 
-// The digits of a group by its place, counted from the decimal mark to the left; 0: the rest is one group.
-std::size_t GroupSize(const Locale& locale, std::size_t group)
+// Whether a group mark may stand where so many digits of a whole number, at least one, are left.
+bool IsGroupEnd(const Locale& locale, std::size_t left)
 {
     std::size_t size = 0;
-    for (std::size_t i = 0; i < locale.digitGroups.size() && i <= group && locale.digitGroups[i] != 0; ++i) {
-        size = locale.digitGroups[i];
-    }
-    return locale.thousandsSeparator.IsEmpty() ? 0 : size;
-}
-
-// For each digit of a whole number whether a group mark stands before it.
-std::vector<bool> GroupStarts(const Locale& locale, std::size_t digits)
-{
-    std::vector<bool> starts(digits, false);
-    std::size_t left = digits;
-    for (std::size_t group = 0;; ++group) {
-        const std::size_t size = GroupSize(locale, group);
-        if (size == 0 || size >= left) {
-            return starts;
+    for (const std::uint8_t next : locale.digitGroups) {
+        if (next == 0) {
+            break;
+        }
+        size = next;
+        if (left <= size) {
+            return left == size;
         }
         left -= size;
-        starts[left] = true;
     }
+    return size != 0 && left % size == 0;
 }
 
-void AppendGrouped(ZRBasicString& out, std::string_view digits, const Locale& locale)
+// Whether a group mark stands before a digit of a whole number.
+bool HasMarkBefore(const Locale& locale, std::size_t digit, std::size_t digits)
 {
-    if (GroupSize(locale, 0) == 0) {
-        out += Widen(digits);
-        return;
+    return digit > 0 && !locale.thousandsSeparator.IsEmpty() && IsGroupEnd(locale, digits - digit);
+}
+
+// The digits of a number without sign, at least one before the decimal mark.
+struct DecimalDigits {
+    std::string_view whole;
+    std::string_view fraction;
+};
+
+// The largest double has 309 digits before the point.
+using DigitRoom = std::array<char, 309 + 1 + kMaxDecimals>;
+
+// The common case: the number fits into one word of decimal units.
+DecimalDigits ShortDigits(DigitRoom& room, std::uint64_t units, std::size_t places)
+{
+    char* first = room.data() + kMaxDecimals;
+    const char* end = std::to_chars(first, room.data() + room.size(), units).ptr;
+    while (end - first <= static_cast<std::ptrdiff_t>(places)) {
+        *--first = '0';
     }
-    const std::vector<bool> starts = GroupStarts(locale, digits.size());
-    for (std::size_t i = 0; i < digits.size(); ++i) {
-        if (starts[i]) {
-            out += locale.thousandsSeparator;
-        }
-        out += static_cast<wchar>(digits[i]);
+    const std::string_view all(first, static_cast<std::size_t>(end - first));
+    return {all.substr(0, all.size() - places), all.substr(all.size() - places)};
+}
+
+DecimalDigits LongDigits(DigitRoom& room, double magnitude, int places)
+{
+    const char* end =
+        std::to_chars(room.data(), room.data() + room.size(), magnitude, std::chars_format::fixed, places).ptr;
+    const std::string_view all(room.data(), static_cast<std::size_t>(end - room.data()));
+    const std::size_t point = std::min(all.find('.'), all.size());
+    return {all.substr(0, point), all.substr(std::min(point + 1, all.size()))};
+}
+
+DecimalDigits DigitsOf(DigitRoom& room, double value, int places)
+{
+    std::uint64_t units = 0;
+    if (places <= zr::kMaxScaledPlaces && zr::ScaledDigits(value, places, units)) {
+        return ShortDigits(room, units, static_cast<std::size_t>(places));
     }
+    return LongDigits(room, std::fabs(value), places);
 }
 
 bool IsZero(std::string_view digits)
 {
-    return digits.find_first_not_of("0.") == std::string_view::npos;
+    return digits.find_first_not_of('0') == std::string_view::npos;
+}
+
+// Writes a text so that it ends at a place, and returns where it starts.
+wchar* PutBefore(wchar* end, std::u16string_view text)
+{
+    for (std::size_t i = text.size(); i > 0; --i) {
+        *--end = text[i - 1];
+    }
+    return end;
+}
+
+wchar* PutBefore(wchar* end, std::string_view ascii)
+{
+    for (std::size_t i = ascii.size(); i > 0; --i) {
+        *--end = static_cast<wchar>(ascii[i - 1]);
+    }
+    return end;
+}
+
+wchar* PutGroupedBefore(wchar* end, std::string_view digits, const Locale& locale)
+{
+    if (locale.thousandsSeparator.IsEmpty() || locale.digitGroups[0] == 0) {
+        return PutBefore(end, digits);
+    }
+    std::size_t group = 0;
+    std::size_t size = locale.digitGroups[0];
+    while (digits.size() > size) {
+        end = PutBefore(end, digits.substr(digits.size() - size));
+        end = PutBefore(end, locale.thousandsSeparator.Text());
+        digits.remove_suffix(size);
+        ++group;
+        if (group < locale.digitGroups.size() && locale.digitGroups[group] != 0) {
+            size = locale.digitGroups[group];
+        } else {
+            group = locale.digitGroups.size();  // the last repeats
+        }
+    }
+    return PutBefore(end, digits);
 }
 
 std::u16string_view Trimmed(std::u16string_view text)
@@ -143,10 +196,9 @@ bool AreMarksInPlace(const WholePart& part, const Locale& locale)
     if (part.marks.empty()) {
         return true;
     }
-    const std::vector<bool> starts = GroupStarts(locale, part.digits);
     std::vector<std::size_t> expected;
-    for (std::size_t i = 0; i < starts.size(); ++i) {
-        if (starts[i]) {
+    for (std::size_t i = 0; i < part.digits; ++i) {
+        if (HasMarkBefore(locale, i, part.digits)) {
             expected.push_back(i);
         }
     }
@@ -167,22 +219,22 @@ int FormatNumber(ZRBasicString& out, double value, int decimals, const Locale& l
         out = std::isnan(value) ? u"NaN" : (value > 0.0 ? u"Inf" : u"-Inf");
         return static_cast<int>(out.Length());
     }
-    // The largest double has 309 digits before the point.
-    std::array<char, 309 + 1 + kMaxDecimals> buffer{};
-    const int places = std::clamp(decimals, 0, kMaxDecimals);
-    const char* end =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value), std::chars_format::fixed, places)
-            .ptr;
-    const std::string_view digits(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
-    const std::size_t point = std::min(digits.find('.'), digits.size());
-    if (std::signbit(value) && !IsZero(digits)) {
-        out += u'-';
+    DigitRoom digitRoom;  // only what was written is read
+    const DecimalDigits digits = DigitsOf(digitRoom, value, std::clamp(decimals, 0, kMaxDecimals));
+    const std::size_t bound = 1 + digits.whole.size() * (1 + locale.thousandsSeparator.Length()) +
+                              locale.decimalSeparator.Length() + digits.fraction.size();
+    zr::TextRoom room(bound);
+    wchar* const end = room.First() + bound;
+    wchar* first = end;
+    if (!digits.fraction.empty()) {
+        first = PutBefore(first, digits.fraction);
+        first = PutBefore(first, locale.decimalSeparator.Text());
     }
-    AppendGrouped(out, digits.substr(0, point), locale);
-    if (point < digits.size()) {
-        out += locale.decimalSeparator;
-        out += Widen(digits.substr(point + 1));
+    first = PutGroupedBefore(first, digits.whole, locale);
+    if (std::signbit(value) && !(IsZero(digits.whole) && IsZero(digits.fraction))) {
+        *--first = u'-';
     }
+    out += std::u16string_view(first, static_cast<std::size_t>(end - first));
     return static_cast<int>(out.Length());
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Peer.h"
+#include "ServerProcess.h"
 
 namespace conformance {
 
@@ -9,6 +10,6 @@ void CheckStrings(Client& client);
 void CheckFormats();
 void CheckData(Client& client);
 // With the server running in this process or another.
-void CheckConversations(Client& client, Client& other);
+void CheckConversations(ServerControl& server, Client& client, Client& other);
 
 }  // namespace conformance

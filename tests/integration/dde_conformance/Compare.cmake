@@ -1,8 +1,12 @@
-# Runs PROGRAM in a runtime folder of its own below FOLDER and holds its output against EXPECTED, line by line.
+# Runs PROGRAM with its server in PROCESSES (one, two) in a runtime folder of its own below FOLDER and holds its output
+# against EXPECTED, line by line.
 file(REMOVE_RECURSE ${FOLDER}/runtime)
 file(MAKE_DIRECTORY ${FOLDER}/runtime)
 set(ENV{XDG_RUNTIME_DIR} ${FOLDER}/runtime)
-execute_process(COMMAND ${PROGRAM} OUTPUT_FILE ${FOLDER}/seen.txt RESULT_VARIABLE result)
+if(PROCESSES STREQUAL two)
+  set(arguments two)
+endif()
+execute_process(COMMAND ${PROGRAM} ${arguments} OUTPUT_FILE ${FOLDER}/seen.txt RESULT_VARIABLE result)
 if(NOT result EQUAL 0)
   message(FATAL_ERROR "${PROGRAM} ended with ${result}")
 endif()

@@ -23,6 +23,16 @@ ServerState g_server;
 std::array<std::vector<std::string>, 2> g_notes;
 std::array<DWORD, 2> g_instances{};
 
+template <typename Condition>
+bool DispatchUntil(Condition holds, std::chrono::milliseconds limit)
+{
+    const auto until = std::chrono::steady_clock::now() + limit;
+    while (!holds() && std::chrono::steady_clock::now() < until) {
+        zr::ddeml::Dispatch(std::chrono::milliseconds(100));
+    }
+    return holds();
+}
+
 HSZ ServerString(std::string_view text)
 {
     const HSZ string = DdeCreateStringHandleW(g_server.instance, Wide(text).c_str(), CP_WINUNICODE);
@@ -195,10 +205,18 @@ std::vector<std::string> Client::TakeNotes()
 
 void Client::AwaitNotes(std::size_t count) const
 {
-    const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (g_notes[m_number].size() < count && std::chrono::steady_clock::now() < until) {
-        zr::ddeml::Dispatch(std::chrono::milliseconds(100));
-    }
+    DispatchUntil([&] { return g_notes[m_number].size() >= count; }, std::chrono::seconds(5));
+}
+
+bool Client::AwaitNoteWith(std::string_view part, std::chrono::milliseconds limit) const
+{
+    const auto& notes = g_notes[m_number];
+    return DispatchUntil(
+        [&] {
+            return std::any_of(notes.begin(), notes.end(),
+                               [part](const std::string& note) { return note.find(part) != std::string::npos; });
+        },
+        limit);
 }
 
 }  // namespace conformance

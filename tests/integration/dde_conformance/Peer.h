@@ -3,6 +3,7 @@
 
 #include "platform/Ddeml.h"
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +44,8 @@ public:
     std::vector<std::string> TakeNotes();
     // Runs callbacks until so many notes stand, at most 5 s.
     void AwaitNotes(std::size_t count) const;
+    // Runs callbacks until a note holds that text. False when the time is over.
+    [[nodiscard]] bool AwaitNoteWith(std::string_view part, std::chrono::milliseconds limit) const;
 
 private:
     DWORD m_instance = 0;

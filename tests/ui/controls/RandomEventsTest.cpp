@@ -34,7 +34,7 @@ protected:
         const auto button = Below(4) == 0 ? Qt::RightButton : Qt::LeftButton;
         switch (Below(4)) {
             case 0:
-                QTest::mouseMove(&control, point);
+                zr::test::Hover(control, point);
                 break;
             case 1:
                 QTest::mousePress(&control, button, modifiers, point);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <QApplication>
+#include <QMouseEvent>
 #include <QPalette>
 #include <QWidget>
 
@@ -44,6 +45,12 @@ void SetDark(QWidget& window)
     palette.setColor(QPalette::WindowText, Qt::white);
     palette.setColor(QPalette::Highlight, QColor(38, 79, 120));
     window.setPalette(palette);
+}
+
+void Hover(QWidget& window, QPoint point)
+{
+    QMouseEvent event(QEvent::MouseMove, point, window.mapToGlobal(point), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&window, &event);
 }
 
 void Settle()

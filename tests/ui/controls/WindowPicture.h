@@ -33,6 +33,8 @@ private:
 
 // A palette with a dark face and light text.
 void SetDark(QWidget& window);
+// Moves the mouse to a point of the window, no button held.
+void Hover(QWidget& window, QPoint point);
 // Lets everything happen that waits in the event queue, paints included.
 void Settle();
 

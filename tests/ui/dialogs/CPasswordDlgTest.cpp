@@ -3,8 +3,8 @@
 #include "dialogs/DialogsIds.h"
 #include "ui/support/SuiteTest.h"
 
+#include <algorithm>
 #include <functional>
-#include <optional>
 #include <QTest>
 #include <vector>
 
@@ -296,11 +296,11 @@ TEST_F(CPasswordDlgTest, IsReadableOnADarkDesktop)
     Run(dialog, [&] {
         const QImage picture = dialog.grab().toImage();
         EXPECT_LT(picture.pixelColor(1, 1).lightness(), 64);
-        const QRect prompt = dialog.GetDlgItem(zr::dialogs::kPasswordPrompt)->geometry();
+        const QImage prompt = dialog.GetDlgItem(zr::dialogs::kPasswordPrompt)->grab().toImage();
         int lightest = 0;
-        for (int y = prompt.top(); y <= prompt.bottom(); ++y) {
-            for (int x = prompt.left(); x <= prompt.right(); ++x) {
-                lightest = std::max(lightest, picture.pixelColor(x, y).lightness());
+        for (int y = 0; y < prompt.height(); ++y) {
+            for (int x = 0; x < prompt.width(); ++x) {
+                lightest = std::max(lightest, prompt.pixelColor(x, y).lightness());
             }
         }
         EXPECT_GT(lightest, 192);

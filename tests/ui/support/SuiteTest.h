@@ -23,7 +23,13 @@ inline QPalette DarkPalette()
     QPalette palette(QColor(0x20, 0x20, 0x20));
     palette.setColor(QPalette::Base, QColor(0x18, 0x18, 0x18));
     palette.setColor(QPalette::AlternateBase, QColor(0x26, 0x26, 0x26));
+    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, QColor(0x80, 0x80, 0x80));
+    }
     palette.setColor(QPalette::Highlight, QColor(0x2a, 0x6f, 0xbd));
+    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, QColor(0x80, 0x80, 0x80));
+    }
     palette.setColor(QPalette::HighlightedText, Qt::white);
     return palette;
 }

@@ -112,4 +112,13 @@ std::optional<std::size_t> DeviceTree::FindPath(const ZRBasicString& path) const
     return std::nullopt;
 }
 
+void DeviceTree::Rename(std::size_t index, const ZRBasicString& text)
+{
+    Node& node = m_nodes[index];
+    if (node.xml != nullptr) {
+        node.text = text;
+        node.xml->SetValue(u"Id", text);
+    }
+}
+
 }  // namespace zr::desktop

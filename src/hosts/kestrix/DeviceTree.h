@@ -46,6 +46,9 @@ public:
     [[nodiscard]] ZRBasicString PathOf(std::size_t index) const;
     [[nodiscard]] std::optional<std::size_t> FindPath(const ZRBasicString& path) const;
 
+    // Of a group, here and in the document.
+    void Rename(std::size_t index, const ZRBasicString& text);
+
 private:
     void AddGroup(XmlNode& group, std::size_t parent, const std::vector<ZRBasicString>& devices);
     std::size_t Add(Node node);

@@ -3,10 +3,12 @@
 #include "MqttPeer.h"
 #include "platform/Ddeml.h"
 
+#include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -15,6 +17,8 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <new>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -223,39 +227,75 @@ double ResidentKilobytes()
     return resident * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1024;
 }
 
+constexpr std::size_t kReaders = 10;
+
+// What each client has received so far, seen by the server's process.
+class ReceivedCounts {
+public:
+    ReceivedCounts()
+    {
+        void* const memory = mmap(nullptr, sizeof(Counts), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+        if (memory == MAP_FAILED) {
+            std::perror("bench_dde: mmap");
+            std::exit(1);
+        }
+        m_counts = new (memory) Counts{};
+    }
+    std::atomic<std::uint64_t>& operator[](std::size_t client) { return (*m_counts)[client]; }
+    // Of the clients that are never stopped.
+    std::uint64_t OfReaders() const
+    {
+        return std::accumulate(m_counts->begin(), m_counts->begin() + kReaders, std::uint64_t{0});
+    }
+
+private:
+    using Counts = std::array<std::atomic<std::uint64_t>, kReaders + 1>;
+    Counts* m_counts;
+};
+
+struct Rates {
+    double posts;     // a second
+    double received;  // a second, by all readers together
+};
+
 void MeasureStuckClient()
 {
     constexpr int kPosts = 1'000'000;
-    constexpr int kReaders = 10;
-    const auto idle = [](HCONV) {
-        for (;;) {
-            Dispatch(kWait);
-        }
-    };
+    ReceivedCounts counts;
     std::vector<pid_t> clients;
-    for (int i = 0; i < kReaders + 1; ++i) {
-        clients.push_back(StartClient(u"BenchStuck", kLinks, idle));
+    for (std::size_t i = 0; i < kReaders + 1; ++i) {
+        clients.push_back(StartClient(u"BenchStuck", kLinks, [&counts, i](HCONV) {
+            for (;;) {
+                Dispatch(kWait);
+                counts[i] = g_received;
+            }
+        }));
     }
     Serve(u"BenchStuck");
     AwaitLinks(static_cast<std::uint64_t>(kLinks) * clients.size());
     const HSZ topic = String(u"bench");
     const std::vector<HSZ> items = Items();
-    const auto post = [&](int posts) {
+    const auto post = [&](int posts) -> Rates {
         const auto start = Steady::now();
+        const std::uint64_t before = counts.OfReaders();
         for (int i = 0; i < posts; i += kLinks) {
             for (const HSZ item : items) {
                 DdePostAdvise(g_instance, topic, item);
             }
             Dispatch(std::chrono::milliseconds(0));
         }
-        return posts / Seconds(start);
+        const double time = Seconds(start);
+        return {posts / time, static_cast<double>(counts.OfReaders() - before) / time};
     };
-    const double before = post(kPosts / 10);
+    post(kPosts / 10);
+    const Rates before = post(kPosts);
     const double memory = ResidentKilobytes();
     kill(clients.back(), SIGSTOP);
-    const double after = post(kPosts);
+    const Rates after = post(kPosts);
     zr::bench::PrintLine("dde.stuck_client_kb", ResidentKilobytes() - memory, "kB");
-    zr::bench::PrintLine("dde.stuck_rate_ratio", after / before, "of the rate with all reading");
+    zr::bench::PrintLine("dde.stuck_rate_ratio", after.posts / before.posts, "of the posts with all reading");
+    zr::bench::PrintLine("dde.neighbours_per_s", after.received, "1/s, updates of the ten others");
+    zr::bench::PrintLine("dde.neighbours_rate_ratio", after.received / before.received, "of the same with all reading");
     for (const pid_t client : clients) {
         kill(client, SIGKILL);
         waitpid(client, nullptr, 0);

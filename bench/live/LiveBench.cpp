@@ -56,6 +56,29 @@ double Measure(int repeats, const Run& run)
     return Median(std::move(times));
 }
 
+// A control that tells how often it was painted: a paint that didn't happen costs nothing.
+template <typename Control>
+class Counted : public Control {
+public:
+    using Control::Control;
+    int paints = 0;
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        ++paints;
+        Control::paintEvent(event);
+    }
+};
+
+void RequirePaints(int paints, int expected)
+{
+    if (paints < expected) {
+        std::fprintf(stderr, "bench_live: %d paints instead of %d\n", paints, expected);
+        std::exit(1);
+    }
+}
+
 std::unique_ptr<zr::test::LiveDevice> MakeDevice(int variables)
 {
     std::vector<zr::VariableDescription> descriptions;
@@ -113,7 +136,7 @@ void Paint(QWidget& window)
 
 void MeasureBar(zr::test::LiveDevice& device)
 {
-    ZRBarValueControl bar;
+    Counted<ZRBarValueControl> bar;
     SetupBar(bar, 0);
     bar.resize(600, 60);
     device.Write(1, 255.0);
@@ -131,13 +154,14 @@ void MeasureBar(zr::test::LiveDevice& device)
         bar.Update();
         Paint(bar);
     });
+    RequirePaints(bar.paints, 2 * kRounds * kPaints);
     zr::bench::PrintLine("bar.paint_moved_us", moved * 1e6, "us");
     zr::bench::PrintLine("bar.paint_full_us", full * 1e6, "us");
 }
 
 void MeasureNumber(zr::test::LiveDevice& device)
 {
-    ZRValueControl control;
+    Counted<ZRValueControl> control;
     control.SetupVariable(u"METER.V0", 128);
     control.resize(100, 16);
     control.show();
@@ -155,6 +179,7 @@ void MeasureNumber(zr::test::LiveDevice& device)
         label.setText(QString::number(Voltage(step), 'f', 2));
         Paint(label);
     });
+    RequirePaints(control.paints, kRounds * kPaints);
     zr::bench::PrintLine("live.number_paint_us", ours * 1e6, "us");
     zr::bench::PrintLine("live.number_peer_paint_us", peer * 1e6, "us");
 }
@@ -165,14 +190,14 @@ public:
     Page() : m_view(200)
     {
         for (int i = 0; i < kNumbers; ++i) {
-            auto control = std::make_unique<ZRValueControl>(&m_view, static_cast<unsigned>(1000 + i));
+            auto control = std::make_unique<Counted<ZRValueControl>>(&m_view, static_cast<unsigned>(1000 + i));
             control->SetupVariable(NameOf(i).c_str(), 128);
             control->SetupChecks(zr::controls::kCheckHighLimits, 0, 0, 250, 255, 230);
             control->setGeometry(i % kColumns * 160, i / kColumns * 18, 150, 16);
             m_numbers.push_back(std::move(control));
         }
         for (int i = 0; i < kBars; ++i) {
-            auto bar = std::make_unique<ZRBarValueControl>(&m_view, static_cast<unsigned>(2000 + i));
+            auto bar = std::make_unique<Counted<ZRBarValueControl>>(&m_view, static_cast<unsigned>(2000 + i));
             SetupBar(*bar, kNumbers + i * zr::controls::kBarSlots);
             bar->setGeometry(i % 4 * 400, 920 + i / 4 * 64, 390, 60);
             m_bars.push_back(std::move(bar));
@@ -193,10 +218,22 @@ public:
         QApplication::processEvents();
     }
 
+    [[nodiscard]] int LeastPaints() const
+    {
+        int least = m_numbers.front()->paints;
+        for (const auto& control : m_numbers) {
+            least = std::min(least, control->paints);
+        }
+        for (const auto& bar : m_bars) {
+            least = std::min(least, bar->paints);
+        }
+        return least;
+    }
+
 private:
     ZRBaseViewDlg m_view;
-    std::vector<std::unique_ptr<ZRValueControl>> m_numbers;
-    std::vector<std::unique_ptr<ZRBarValueControl>> m_bars;
+    std::vector<std::unique_ptr<Counted<ZRValueControl>>> m_numbers;
+    std::vector<std::unique_ptr<Counted<ZRBarValueControl>>> m_bars;
 };
 
 void MeasurePage(zr::test::LiveDevice& device)
@@ -209,6 +246,7 @@ void MeasurePage(zr::test::LiveDevice& device)
         }
         page.Update();
     });
+    RequirePaints(page.LeastPaints(), kRounds);
     zr::bench::PrintLine("live.page_cpu_pct", seconds * kUpdatesPerSecond * 100.0, "%");
 }
 

@@ -3,8 +3,7 @@
 #include "comm/WorkerState.h"
 #include "platform/Clock.h"
 #include "platform/WinThread.h"
-#include "siblings/driversupport/ZRRSDeviceConnection.h"
-#include "siblings/driversupport/ZRUDPDeviceConnection.h"
+#include "siblings/driversupport/ConnectionTypes.h"
 #include "siblings/tools/ZRDateTime.h"
 
 #include <algorithm>
@@ -129,12 +128,8 @@ void ZRCommSystem::DeleteDriver(ZRDeviceDriver* driver)
 
 ZRDeviceConnection* ZRCommSystem::NewConnection(const ZRBasicString& type)
 {
-    std::unique_ptr<ZRDeviceConnection> connection;
-    if (type == u"RS") {
-        connection = std::make_unique<ZRRSDeviceConnection>();
-    } else if (type == u"UDP") {
-        connection = std::make_unique<ZRUDPDeviceConnection>();
-    } else {
+    std::unique_ptr<ZRDeviceConnection> connection = zr::MakeConnection(type);
+    if (connection == nullptr) {
         return nullptr;
     }
     connections.push_back(connection.get());

@@ -1,6 +1,7 @@
 #include "controls/BarSlots.h"
 
 #include "controls/LimitChecks.h"
+#include "controls/ValueReading.h"
 
 namespace zr::controls {
 
@@ -21,7 +22,7 @@ BarReading ReadVariable(ZRVariable& variable)
     if (reading.valid) {
         tagSVariableValue value;
         variable.Value(value);
-        reading.number = value.number;
+        reading.number = NumberOf(value);
     }
     return reading;
 }

@@ -1,6 +1,7 @@
 #include "platform/ProcessLock.h"
 
 #include "platform/FileReplace.h"
+#include "platform/Paths.h"
 
 #include <charconv>
 #include <cstdint>
@@ -8,7 +9,17 @@
 
 namespace zr {
 
-// The first line of a lock file is `PROCESS PROGRAM`.
+ProcessLock::Result ProcessLock::Take(const std::filesystem::path& document, const std::string& program)
+{
+    Release();
+    const std::filesystem::path folder = RuntimeFolder();
+    if (!MakePrivateFolder(folder, m_reason)) {
+        return Result::Failed;
+    }
+    return TakeFile(LockFileOf(document, folder), " " + program + "\n" + TextOfPath(document) + "\n");
+}
+
+// The first line of a lock file is `PROCESS PROGRAM`, the second the document.
 void ProcessLock::ReadHolder(const std::string& text)
 {
     const char* const end = text.data() + text.size();

@@ -35,6 +35,8 @@ public:
 private:
     struct Holding;
 
+    // By the system's means. The text of the holder begins behind its process number.
+    Result TakeFile(const std::filesystem::path& file, const std::string& holder);
     void ReadHolder(const std::string& text);
 
     std::unique_ptr<Holding> m_holding;

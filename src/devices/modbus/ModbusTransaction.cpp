@@ -22,6 +22,7 @@ bool ModbusTransaction::Prepare(const modbus::Request& asked)
     requestSize = EncodeRequest(m_framing, m_asked, request);
     m_asked.data = {};
     unit = asked.unit;
+    mayBeRepeated = IsReadFunction(asked.function);
     replySize = 0;
     outcome = Outcome::Pending;
     droppedFrames = 0;

@@ -1,8 +1,7 @@
 #include "hosts/supervision/DocumentCheck.h"
 
+#include "siblings/driversupport/ConnectionTypes.h"
 #include "siblings/driversupport/ZRDeviceDriver.h"
-#include "siblings/driversupport/ZRRSDeviceConnection.h"
-#include "siblings/driversupport/ZRUDPDeviceConnection.h"
 
 #include <memory>
 #include <set>
@@ -51,12 +50,8 @@ private:
     {
         const ZRBasicString name = node.Value(u"Name", u"");
         const ZRBasicString type = node.Value(u"Type", u"");
-        std::unique_ptr<ZRDeviceConnection> connection;
-        if (type == u"RS") {
-            connection = std::make_unique<ZRRSDeviceConnection>();
-        } else if (type == u"UDP") {
-            connection = std::make_unique<ZRUDPDeviceConnection>();
-        } else {
+        const std::unique_ptr<ZRDeviceConnection> connection = MakeConnection(type);
+        if (connection == nullptr) {
             Add(node, DeviceWarning::UnknownConnectionType, name, ZRBasicString(u"(\"") + type + u"\")");
             return;
         }

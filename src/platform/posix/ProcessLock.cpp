@@ -1,7 +1,6 @@
 #include "platform/ProcessLock.h"
 
 #include "platform/FileReplace.h"
-#include "platform/Paths.h"
 #include "platform/posix/FileDescriptor.h"
 
 #include <fcntl.h>
@@ -55,18 +54,12 @@ ProcessLock::~ProcessLock()
     Release();
 }
 
-ProcessLock::Result ProcessLock::Take(const std::filesystem::path& document, const std::string& program)
+ProcessLock::Result ProcessLock::TakeFile(const std::filesystem::path& file, const std::string& holder)
 {
-    Release();
-    const std::filesystem::path folder = RuntimeFolder();
-    if (!MakePrivateFolder(folder, m_reason)) {
+    if (!IsOwnPrivateFolder(file.parent_path())) {
+        m_reason = "the folder " + TextOfPath(file.parent_path()) + " is open to others";
         return Result::Failed;
     }
-    if (!IsOwnPrivateFolder(folder)) {
-        m_reason = "the folder " + TextOfPath(folder) + " is open to others";
-        return Result::Failed;
-    }
-    const std::filesystem::path file = LockFileOf(document, folder);
     FileDescriptor descriptor(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!descriptor.IsOpen()) {
         m_reason = TextOfPath(file) + ": " + std::strerror(errno);
@@ -80,7 +73,7 @@ ProcessLock::Result ProcessLock::Take(const std::filesystem::path& document, con
         ReadHolder(ContentOfHolder(descriptor.Get()));
         return Result::HeldByOther;
     }
-    const std::string text = std::to_string(::getpid()) + " " + program + "\n" + TextOfPath(document) + "\n";
+    const std::string text = std::to_string(::getpid()) + holder;
     // The text serves people only; the lock holds without it.
     if (::ftruncate(descriptor.Get(), 0) != 0 || ::pwrite(descriptor.Get(), text.data(), text.size(), 0) < 0) {
         m_reason = TextOfPath(file) + ": " + std::strerror(errno);

@@ -174,6 +174,24 @@ bool AppendSubKey(const char16_t* subKey, std::u16string& path)
     return true;
 }
 
+// Fills `found` with what the handle and the sub-key stand for, whether that key is there or not, and brings its hive
+// up to date.
+std::int32_t Locate(RegistryState& state, HKEY handle, const char16_t* subKey, RegistryHandle& found)
+{
+    if (!Resolve(state, handle, found)) {
+        return ERROR_INVALID_HANDLE;
+    }
+    if (!AppendSubKey(subKey, found.path)) {
+        return ERROR_BAD_PATHNAME;
+    }
+    return state.hives[found.hive].Refresh() ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+}
+
+bool IsThere(const RegistryState& state, const RegistryHandle& key)
+{
+    return key.path.empty() || state.hives[key.hive].Content().HasKey(key.path);
+}
+
 HKEY NewHandle(RegistryState& state, RegistryHandle key)
 {
     auto handle = std::make_unique<RegistryHandle>(std::move(key));
@@ -197,17 +215,10 @@ std::int32_t RegOpenKeyExW(HKEY key, const char16_t* subKey, std::uint32_t optio
     RegistryState& state = State();
     const std::lock_guard lock(state.mutex);
     RegistryHandle opened;
-    if (!Resolve(state, key, opened)) {
-        return ERROR_INVALID_HANDLE;
+    if (const std::int32_t error = Locate(state, key, subKey, opened); error != ERROR_SUCCESS) {
+        return error;
     }
-    if (!AppendSubKey(subKey, opened.path)) {
-        return ERROR_BAD_PATHNAME;
-    }
-    Hive& hive = state.hives[opened.hive];
-    if (!hive.Refresh()) {
-        return ERROR_ACCESS_DENIED;
-    }
-    if (!opened.path.empty() && !hive.Content().HasKey(opened.path)) {
+    if (!IsThere(state, opened)) {
         return ERROR_FILE_NOT_FOUND;
     }
     opened.access = access;
@@ -225,19 +236,13 @@ std::int32_t RegCreateKeyExW(HKEY key, const char16_t* subKey, std::uint32_t res
     RegistryState& state = State();
     const std::lock_guard lock(state.mutex);
     RegistryHandle opened;
-    if (!Resolve(state, key, opened)) {
-        return ERROR_INVALID_HANDLE;
+    if (const std::int32_t error = Locate(state, key, subKey, opened); error != ERROR_SUCCESS) {
+        return error;
     }
-    if (!AppendSubKey(subKey, opened.path)) {
-        return ERROR_BAD_PATHNAME;
-    }
-    Hive& hive = state.hives[opened.hive];
-    if (!hive.Refresh()) {
-        return ERROR_ACCESS_DENIED;
-    }
-    const bool isThere = opened.path.empty() || hive.Content().HasKey(opened.path);
+    const bool isThere = IsThere(state, opened);
     if (!isThere) {
-        const std::int32_t error = hive.Modify([&opened](RegistryFile& content) { content.AddKey(opened.path); });
+        const std::int32_t error =
+            state.hives[opened.hive].Modify([&opened](RegistryFile& content) { content.AddKey(opened.path); });
         if (error != ERROR_SUCCESS) {
             return error;
         }

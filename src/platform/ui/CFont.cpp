@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <QFontDatabase>
 
-bool CFont::CreatePointFont(int tenthsOfAPoint, const ZRBasicString& face)
+bool CFont::CreatePointFont(int tenthsOfAPoint, std::u16string_view face)
 {
     const QString family = zr::ui::ToQt(face);
     // Asked for first: naming a family that isn't there makes Qt search through the aliases of all.

@@ -1,9 +1,9 @@
 // The font of a control.
 #pragma once
 
-#include "siblings/tools/ZRBasicString.h"
-
 #include <QFont>
+#include <string_view>
+#include <utility>
 
 // A value: a copy is a font of its own. UI thread only.
 class CFont {
@@ -14,7 +14,7 @@ public:
 
     // Takes a face in so many tenths of a point; sizes below one point count as one. A face that the machine hasn't,
     // such as "Smallfonts" where there is none, becomes the system's font for small texts. Returns true.
-    bool CreatePointFont(int tenthsOfAPoint, const ZRBasicString& face);
+    bool CreatePointFont(int tenthsOfAPoint, std::u16string_view face);
 
     [[nodiscard]] const QFont& Font() const { return m_font; }
 

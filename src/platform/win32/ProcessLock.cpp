@@ -1,7 +1,6 @@
 #include "platform/ProcessLock.h"
 
 #include "platform/FileReplace.h"
-#include "platform/Paths.h"
 #include "platform/win32/Handle.h"
 
 namespace zr {
@@ -18,14 +17,8 @@ ProcessLock::~ProcessLock()
     Release();
 }
 
-ProcessLock::Result ProcessLock::Take(const std::filesystem::path& document, const std::string& program)
+ProcessLock::Result ProcessLock::TakeFile(const std::filesystem::path& path, const std::string& holder)
 {
-    Release();
-    const std::filesystem::path folder = RuntimeFolder();
-    if (!MakePrivateFolder(folder, m_reason)) {
-        return Result::Failed;
-    }
-    const std::filesystem::path path = LockFileOf(document, folder);
     Handle file(::CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
                               FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file.IsOpen()) {
@@ -43,8 +36,7 @@ ProcessLock::Result ProcessLock::Take(const std::filesystem::path& document, con
         ReadHolder(std::string(text, length));
         return Result::HeldByOther;
     }
-    const std::string text =
-        std::to_string(::GetCurrentProcessId()) + " " + program + "\n" + TextOfPath(document) + "\n";
+    const std::string text = std::to_string(::GetCurrentProcessId()) + holder;
     DWORD written = 0;
     // The text serves people only; the lock holds without it.
     ::WriteFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);

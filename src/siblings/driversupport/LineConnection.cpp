@@ -1,6 +1,7 @@
 #include "siblings/driversupport/LineConnection.h"
 
 #include "siblings/driversupport/ServiceTimes.h"
+#include "siblings/tools/Utf.h"
 
 #include <algorithm>
 #include <utility>
@@ -25,15 +26,6 @@ void Increase(std::atomic<std::uint64_t>& counter, std::uint64_t by)
 {
     // There is one writer, so that this needs no exchange.
     counter.store(counter.load(std::memory_order_relaxed) + by, std::memory_order_relaxed);
-}
-
-ZRBasicString Widen(const std::string& text)
-{
-    ZRBasicString wide;
-    for (const char character : text) {
-        wide += static_cast<wchar>(static_cast<unsigned char>(character));
-    }
-    return wide;
 }
 
 }  // namespace
@@ -111,7 +103,7 @@ void LineConnection::WireFailed(Wire::Failure failure, const std::string& reason
     if (!std::exchange(m_lossTold, true)) {
         PostNotice(
             failure == Wire::Failure::AddressUnknown ? DeviceWarning::AddressUnknown : DeviceWarning::ConnectionLost,
-            name, Widen(reason));
+            name, Utf8ToUtf16(reason));
     }
     m_timer->Set(Clock::now() + m_reopenAfter);
     m_reopenAfter = std::min<Clock::duration>(2 * m_reopenAfter, m_times.longestReopen);
@@ -142,11 +134,29 @@ void LineConnection::DoTransaction(ZRDeviceTransaction& transaction)
             m_waryUntil = Clock::now() + kWary;
         }
     }
+    SendRequest();
+}
+
+void LineConnection::SendRequest()
+{
     m_sentAt = Clock::now();
-    m_deadline = m_sentAt + m_timeOut + m_byteTime * static_cast<int>(transaction.requestSize);
+    m_deadline = m_sentAt + m_timeOut + m_byteTime * static_cast<int>(m_current->requestSize);
     m_timer->Set(m_deadline);
     Increase(m_counters.transactions, 1);
-    m_wire->Send(transaction.Request());
+    m_wire->Send(m_current->Request());
+}
+
+// What is held back is either the reply, which says by chance what the last one said, or the last one's double while
+// the reply is lost or late. What the device answers to the same request once more tells which.
+void LineConnection::AskAgain()
+{
+    m_held = false;
+    if (!m_current->mayBeRepeated) {
+        Deliver({m_last.data(), m_lastSize}, m_heldAt);
+        return;
+    }
+    m_askedFirstAt = m_sentAt;
+    SendRequest();
 }
 
 void LineConnection::FailWithoutLine()
@@ -167,7 +177,7 @@ void LineConnection::OnTime()
         if (now < m_deadline) {
             m_timer->Set(m_deadline);
         } else if (m_held) {
-            Deliver({m_last.data(), m_lastSize}, m_heldAt);  // no other came: it was the reply
+            AskAgain();
         } else {
             Complete(Outcome::TimedOut, now);
         }
@@ -196,6 +206,7 @@ void LineConnection::Complete(Outcome outcome, Clock::time_point now)
         CountDropped(1);
     }
     m_held = false;
+    m_askedFirstAt.reset();
     if (outcome == Outcome::TimedOut) {
         Increase(m_counters.timeouts, 1);
         transaction.took = now - m_sentAt;
@@ -277,7 +288,14 @@ void LineConnection::Accept(std::span<const std::uint8_t> frame, bool moreFollow
         Deliver(frame, now);
         return;
     }
-    if (m_held) {
+    if (m_askedFirstAt) {
+        if (!IsLastFrame(frame)) {
+            // It was a double, and the answer to the first asking may still come.
+            CountDropped(1);
+            m_waryUntil = now + kWary;
+            m_line->TimedOut(m_current->unit, *m_askedFirstAt, now);
+        }
+    } else if (m_held) {
         CountDropped(1);
         m_waryUntil = now + kWary;
     } else if (IsLastFrame(frame) && (!IsLastRequest() || now - m_sentAt < m_quickest / 2)) {
@@ -375,7 +393,7 @@ bool LineConnection::LoadNumber(const XmlNode& node, const wchar* value, const w
     }
     if (!isDigits || parsed < least || parsed > most) {
         m_loadError = ZRBasicString(value) + u" \"" + text + u"\" is not a whole number from " +
-                      Widen(std::to_string(least)) + u" to " + Widen(std::to_string(most));
+                      Utf8ToUtf16(std::to_string(least)) + u" to " + Utf8ToUtf16(std::to_string(most));
         return false;
     }
     number = parsed;

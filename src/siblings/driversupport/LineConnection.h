@@ -26,7 +26,8 @@ namespace zr {
 //  - a request without an answer is followed by a rest of the line and a longer one of the unit, see QuietLine;
 //  - what was received before a request is thrown away before it is sent;
 //  - a frame equal to the last reply that comes for another request, or sooner than a reply can, is held back: when
-//    another one follows, it was that reply doubled. Where frames were seen twice, requests are kept apart for a while.
+//    another one follows, it was that reply doubled; when none does, the request is sent once more, and its answer
+//    counts. Where frames were seen twice, requests are kept apart for a while.
 class LineConnection : public ZRDeviceConnection, private Wire::Listener {
 public:
     LineConnection();
@@ -66,6 +67,8 @@ private:
     void WireForeign() override;
 
     void BeginOpen();
+    void SendRequest();
+    void AskAgain();
     void OnTime();
     void Stray(std::span<const std::uint8_t> bytes);
     void Judge(std::span<const std::uint8_t> bytes);
@@ -108,6 +111,7 @@ private:
     std::vector<std::uint8_t> m_beginning;  // of a frame that isn't whole yet
     bool m_held = false;                    // m_last came again and may be the reply
     Clock::time_point m_heldAt;
+    std::optional<Clock::time_point> m_askedFirstAt;  // the request under way is the second asking
     std::array<std::uint8_t, ZRDeviceTransaction::kMaxFrame> m_last{};
     std::size_t m_lastSize = 0;
     std::array<std::uint8_t, ZRDeviceTransaction::kMaxFrame> m_lastRequest{};

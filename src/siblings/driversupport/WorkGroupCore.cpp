@@ -163,6 +163,10 @@ void WorkGroupCore::Done(ZRDeviceTransaction& transaction)
 {
     m_busy = false;
     Member& member = m_members[m_asked];
+    // After a time-out, and after a reply that took two askings.
+    if (const auto freeAt = m_connection.UnitFreeAt(transaction.unit); freeAt > Clock::now()) {
+        m_schedule.Hold(transaction.unit, freeAt);
+    }
     switch (transaction.outcome) {
         case ZRDeviceTransaction::Outcome::Replied:
             Replied(member);
@@ -199,9 +203,6 @@ void WorkGroupCore::Replied(Member& member)
 
 void WorkGroupCore::TimedOut(Member& member, const ZRDeviceTransaction& transaction)
 {
-    if (!transaction.repliesAreNumbered) {
-        m_schedule.Hold(transaction.unit, m_connection.UnitFreeAt(transaction.unit));
-    }
     const auto cost = HasOthersOnline(member) ? transaction.took : Clock::duration::zero();
     const Heard heard = transaction.droppedFrames > 0 ? Heard::Damage : Heard::Nothing;
     const DeviceHealth::Change change = member.health.TimedOut(Clock::now(), cost, heard);

@@ -52,6 +52,8 @@ public:
     // True when a reply names its request (a transaction identifier), so that a late one can't be mistaken and no
     // quiet time is needed after a time-out.
     bool repliesAreNumbered = false;
+    // False when asking twice may do more than asking once: a reading is sent again where its reply is in doubt.
+    bool mayBeRepeated = true;
     // Who is asked on a shared line, 0 to 255: after a time-out only this one is left alone for long.
     std::uint8_t unit = 0;
     // Set by the connection: frames that were dropped while this transaction ran, and from request to reply.

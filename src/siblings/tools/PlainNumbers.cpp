@@ -1,6 +1,8 @@
 // Numbers without a locale.
 #include "siblings/tools/Numbers.h"
 
+#include "siblings/tools/Utf.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -29,23 +31,13 @@ std::string Narrow(std::u16string_view text)
     return out;
 }
 
-ZRBasicString Widen(std::string_view ascii)
-{
-    ZRBasicString out;
-    out.Reserve(ascii.size());
-    for (const char character : ascii) {
-        out += static_cast<wchar>(static_cast<unsigned char>(character));
-    }
-    return out;
-}
-
 // Whether a decimal number that from_chars found out of range is too large; otherwise it is too small.
 bool IsTooLarge(std::string_view number)
 {
     const std::size_t exponentAt = std::min(number.find_first_of("eE"), number.size());
     int exponent = 0;
     if (exponentAt < number.size()) {
-        exponent = TextToInt(Widen(number.substr(exponentAt + 1)));
+        exponent = TextToInt(Utf8ToUtf16(number.substr(exponentAt + 1)));
     }
     const std::string_view mantissa = number.substr(0, exponentAt);
     const std::size_t first = mantissa.find_first_of("123456789");
@@ -135,7 +127,7 @@ ZRBasicString DoubleToText(double value)
 {
     std::array<char, 32> buffer{};
     const char* end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-    return Widen({buffer.data(), static_cast<std::size_t>(end - buffer.data())});
+    return Utf8ToUtf16({buffer.data(), static_cast<std::size_t>(end - buffer.data())});
 }
 
 std::uint8_t HtoB(const wchar* text)

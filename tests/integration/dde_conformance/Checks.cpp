@@ -317,7 +317,8 @@ void CheckFormats()
     Print("other format", YesNo(RegisterClipboardFormatW(u"Kestrix conformance") != table));
     Print("its name", FormatName(table));
     std::array<char16_t, 4> cut{};
-    Print("its name cut to 3", std::to_string(GetClipboardFormatNameW(table, cut.data(), 4)) + " " + Show(cut.data()));
+    const int copied = GetClipboardFormatNameW(table, cut.data(), 4);
+    Print("its name cut to 3", std::to_string(copied) + " " + Show(cut.data()));
     Print("name of a standard format", std::to_string(GetClipboardFormatNameW(CF_TEXT, cut.data(), 4)));
     Print("empty name", std::to_string(RegisterClipboardFormatW(u"")));
 }
@@ -329,8 +330,8 @@ void CheckData(Client& client)
     const HDDEDATA data = DdeCreateDataHandle(instance, bytes.data(), 5, 0, nullptr, CF_TEXT, 0);
     Print("data", Show(data));
     std::array<BYTE, 4> part{9, 9, 9, 9};
-    Print("part of it", std::to_string(DdeGetData(data, part.data(), 3, 3)) + " " + std::to_string(part[1]) + " " +
-                            std::to_string(part[2]));
+    const DWORD got = DdeGetData(data, part.data(), 3, 3);
+    Print("part of it", std::to_string(got) + " " + std::to_string(part[1]) + " " + std::to_string(part[2]));
     Print("behind its end", std::to_string(DdeGetData(data, part.data(), 3, 50)));
     DWORD size = 0;
     const BYTE* access = DdeAccessData(data, &size);

@@ -1,14 +1,19 @@
 // Peers that die, lie or stop reading.
 #include "DdemlFixture.h"
 
+#include "platform/ddeml/posix/RuntimeFolder.h"
 #include "platform/ddeml/posix/Wire.h"
 
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
+#include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
+#include <functional>
 
 namespace zr::ddeml {
 
@@ -23,6 +28,22 @@ std::size_t OpenDescriptors()
     return count;
 }
 
+std::size_t ResidentBytes()
+{
+    std::ifstream statm("/proc/self/statm");
+    std::size_t size = 0;
+    std::size_t resident = 0;
+    statm >> size >> resident;
+    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+// What the sanitizers keep of the memory that was freed.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr std::size_t kSanitizerBytes = 1U << 29U;
+#else
+constexpr std::size_t kSanitizerBytes = 0;
+#endif
+
 }  // namespace
 
 class DdemlFault : public DdemlFixture {
@@ -36,15 +57,47 @@ protected:
         }
         return {};
     }
-    // A connection that speaks for itself, not through this library.
-    int RawConnect() const
+    static sockaddr_un AddressOf(const std::filesystem::path& path)
     {
-        const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
-        SocketPath().string().copy(address.sun_path, sizeof address.sun_path - 1);
-        EXPECT_EQ(connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        path.string().copy(address.sun_path, sizeof address.sun_path - 1);
+        return address;
+    }
+    sockaddr_un SocketAddress() const { return AddressOf(SocketPath()); }
+    // -1, with errno, when it is refused.
+    static int TryConnect(const sockaddr_un& address)
+    {
+        const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        return connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ? fd : -1;
+    }
+    // A connection that speaks for itself, not through this library.
+    static int RawConnect(const sockaddr_un& address)
+    {
+        const int fd = TryConnect(address);
+        EXPECT_GE(fd, 0) << std::strerror(errno);
         return fd;
+    }
+    int RawConnect() const { return RawConnect(SocketAddress()); }
+    void OpenToEverybody() const
+    {
+        using std::filesystem::perms;
+        for (const auto& path : {m_folder, m_folder / "kestrix-dde", SocketPath()}) {
+            std::filesystem::permissions(path, perms(0777));
+        }
+    }
+    // Runs that in a child that has become the user "nobody" while this process goes on to serve, and returns its
+    // status.
+    static int AsAnotherUser(const std::function<int()>& run)
+    {
+        constexpr uid_t kNobody = 65534;
+        const pid_t child = fork();
+        if (child == 0) {
+            _exit(setgid(kNobody) == 0 && setuid(kNobody) == 0 ? run() : 99);
+        }
+        int status = -1;
+        EXPECT_TRUE(Await([&] { return waitpid(child, &status, WNOHANG) == child; }));
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
     static void SendRaw(int fd, const Frame& frame)
     {
@@ -152,6 +205,118 @@ TEST_F(DdemlFault, ClosesAConnectionThatUsesOneNumberForTwoLinks)
     ASSERT_TRUE(Await([] { return g_server.Count(XTYP_DISCONNECT) == 1; }));
     EXPECT_EQ(GetStatistics(g_server.instance).links, 0U);
     close(fd);
+}
+
+TEST_F(DdemlFault, IsBackAtTheStartAfterManyConnections)
+{
+    // scripts/check --all asks for a million of them.
+    const char* const wanted = std::getenv("ZR_DDE_CONNECTIONS");
+    const int count = wanted != nullptr ? std::atoi(wanted) : 20000;
+    ASSERT_GT(count, 0);
+    const HCONV other = Connect(u"other");
+    ASSERT_NE(Transact(other, u"U1", XTYP_ADVSTART), nullptr);
+    std::vector<std::uint8_t> whole;
+    EncodeFrame(ConnectFrame(), whole);
+    const auto address = SocketAddress();
+    const auto connectOnce = [&](int i) {
+        const int fd = RawConnect(address);
+        // Nothing, half a word, garbage, or a conversation.
+        const std::size_t said = i % 4 == 0 ? 0 : i % 4 == 1 ? whole.size() / 2 : whole.size();
+        std::vector<std::uint8_t> bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(said));
+        if (i % 4 == 2) {
+            bytes[4] = 0xFF;
+        }
+        ASSERT_EQ(send(fd, bytes.data(), said, MSG_NOSIGNAL), static_cast<ssize_t>(said));
+        if (i % 2 == 0) {
+            Settle();
+        }
+        close(fd);
+        Settle();
+        g_server.events.clear();
+    };
+    for (int i = 0; i < 1000; ++i) {
+        connectOnce(i);
+    }
+    const Statistics before = GetStatistics(g_server.instance);
+    const std::size_t descriptors = OpenDescriptors();
+    const std::size_t memory = ResidentBytes();
+    for (int i = 0; i < count && !HasFatalFailure(); ++i) {
+        connectOnce(i);
+    }
+    const Statistics after = GetStatistics(g_server.instance);
+    EXPECT_EQ(after.conversations, before.conversations);
+    EXPECT_EQ(after.links, before.links);
+    EXPECT_EQ(after.strings, before.strings);
+    EXPECT_EQ(after.data, before.data);
+    EXPECT_EQ(OpenDescriptors(), descriptors);
+    EXPECT_LT(ResidentBytes(), memory + (1U << 20U) + kSanitizerBytes) << "1 MB, whatever the number of connections";
+    Post(u"u1", u"other");
+    EXPECT_TRUE(Await([] { return g_client.Count(XTYP_ADVDATA) == 1; })) << "the other client is not disturbed";
+}
+
+TEST_F(DdemlFault, TellsWhoseProcessIsAtTheOtherEnd)
+{
+    int ends[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+    EXPECT_TRUE(IsPeerOfThisUser(ends[0]));
+    EXPECT_TRUE(IsPeerOfUser(ends[0], geteuid()));
+    EXPECT_FALSE(IsPeerOfUser(ends[0], geteuid() + 1));
+    close(ends[0]);
+    close(ends[1]);
+    EXPECT_FALSE(IsPeerOfThisUser(ends[0])) << "not even a socket";
+}
+
+// Only root may become another user; for anyone else the test above is all there is.
+TEST_F(DdemlFault, RefusesAProcessOfAnotherUser)
+{
+    if (geteuid() != 0) {
+        EXPECT_NE(Connect(), nullptr) << "one's own is taken";
+        return;
+    }
+    const auto address = SocketAddress();
+    EXPECT_EQ(AsAnotherUser([&] { return TryConnect(address) < 0 && errno == EACCES ? 0 : 1; }), 0)
+        << "the folder lets nobody else in";
+    // Though folder and socket stood open, the server would close the connection.
+    OpenToEverybody();
+    const auto speak = [&] {
+        const int fd = TryConnect(address);
+        if (fd < 0) {
+            return 1;
+        }
+        std::vector<std::uint8_t> bytes;
+        EncodeFrame(ConnectFrame(), bytes);
+        send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);  // fails where it was closed already
+        char byte = 0;
+        const ssize_t got = recv(fd, &byte, 1, 0);  // nothing but the end
+        return got == 0 || (got < 0 && errno == ECONNRESET) ? 0 : 2;
+    };
+    EXPECT_EQ(AsAnotherUser(speak), 0);
+    EXPECT_EQ(g_server.Count(XTYP_CONNECT), 0U);
+    EXPECT_EQ(GetStatistics(g_server.instance).conversations, 0U);
+    EXPECT_NE(Connect(), nullptr) << "one's own is taken";
+}
+
+TEST_F(DdemlFault, DoesNotBelieveAServerOfAnotherUser)
+{
+    if (geteuid() != 0) {
+        EXPECT_NE(Connect(), nullptr) << "one's own is believed";
+        return;
+    }
+    OpenToEverybody();
+    const auto own = SocketPath();
+    ASSERT_EQ(rename(own.c_str(), (own.string() + ".kept").c_str()), 0);
+    const auto address = AddressOf(own);
+    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    const auto listenThere = [&] {
+        // The socket is this process's; who listens is who its client sees.
+        return bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
+                       listen(listener, 8) == 0
+                   ? 0
+                   : 1;
+    };
+    ASSERT_EQ(AsAnotherUser(listenThere), 0);
+    EXPECT_EQ(Connect(), nullptr);
+    close(listener);
 }
 
 TEST_F(DdemlFault, BoundsTheConnectionsThatSayNothing)

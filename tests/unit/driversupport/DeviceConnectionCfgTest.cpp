@@ -1,3 +1,4 @@
+#include "siblings/driversupport/ConnectionTypes.h"
 #include "siblings/driversupport/DeviceWarning.h"
 #include "siblings/driversupport/ZRRSDeviceConnection.h"
 #include "siblings/tools/XmlDocument.h"
@@ -20,6 +21,15 @@ bool Load(Connection& connection, const Values& values)
         document.root->SetValue(key, value);
     }
     return connection.LoadCfg(*document.root);
+}
+
+TEST(ConnectionTypesTest, MakesAConnectionOfEachTypeThatDocumentsName)
+{
+    EXPECT_NE(dynamic_cast<ZRRSDeviceConnection*>(MakeConnection(u"RS").get()), nullptr);
+    EXPECT_NE(dynamic_cast<ZRUDPDeviceConnection*>(MakeConnection(u"UDP").get()), nullptr);
+    for (const char16_t* type : {u"", u"rs", u"UDP ", u"TCP"}) {
+        EXPECT_EQ(MakeConnection(type), nullptr);
+    }
 }
 
 TEST(ZRRSDeviceConnectionTest, ReadsItsValuesWithTheirDefaults)

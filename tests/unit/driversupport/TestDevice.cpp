@@ -102,6 +102,7 @@ ZRDeviceTransaction* EchoDriver::NextTransaction()
 {
     const int output = m_outputs.exchange(0);
     m_sendingOutput = output > 0;
+    m_transaction.mayBeRepeated = !m_sendingOutput;
     if (m_sendingOutput) {
         m_transaction.Ask(m_unit, static_cast<std::uint8_t>(output));
         return &m_transaction;

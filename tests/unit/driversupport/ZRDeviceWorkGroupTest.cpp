@@ -336,6 +336,67 @@ TEST_F(ZRDeviceWorkGroupTest, NeverBelievesWhatIsLateDoubledDamagedCutOrForeign)
     EXPECT_EQ(CountNotices(static_cast<int>(DeviceWarning::ForeignFrames), u"NET"), 1);
 }
 
+TEST_F(ZRDeviceWorkGroupTest, ADoubleIsNeverTakenForTheReplyToARequestThatHasNone)
+{
+    std::vector<std::uint8_t> last;
+    std::uint8_t unanswered = 0;
+    UdpDevice device([&](UdpDevice& self, std::span<const std::uint8_t> request) {
+        const std::uint8_t reg = request[2];
+        // Every other register goes without an answer the first time, and the reply before comes twice.
+        if (reg % 2 == 1 && std::exchange(unanswered, reg) != reg) {
+            self.Send(last);
+            return;
+        }
+        unanswered = 0;
+        last = EchoReply(request[1], static_cast<std::uint8_t>(request[1] + reg));
+        self.Send(last);
+    });
+    Configure(device, "20");
+    EchoDriver driver(u"DOUBLES", 10, 0ms, 4);
+    ZRDeviceWorkGroup group(u"NET");
+    group.Add(&driver);
+    ASSERT_TRUE(group.Start(&connection));
+    EXPECT_TRUE(WaitFor([&] { return driver.replies > 40; }));
+    EXPECT_EQ(driver.wrongValues, 0);
+    EXPECT_GT(connection.Counters().droppedFrames, 0u);
+}
+
+TEST_F(ZRDeviceWorkGroupTest, ReadsRegistersThatHoldTheSameOneAfterTheOther)
+{
+    UdpDevice device(
+        [](UdpDevice& self, std::span<const std::uint8_t> request) { self.Send(EchoReply(request[1], 77)); });
+    Configure(device, "1000");
+    EchoDriver driver(u"SAME", 10, 0ms, 4);
+    driver.isRight = [](std::uint8_t, std::uint8_t value) { return value == 77; };
+    ZRDeviceWorkGroup group(u"NET");
+    group.Add(&driver);
+    ASSERT_TRUE(group.Start(&connection));
+    EXPECT_TRUE(WaitFor([&] { return driver.replies > 40; }));
+    EXPECT_EQ(driver.wrongValues + driver.timeouts, 0);
+}
+
+TEST_F(ZRDeviceWorkGroupTest, SendsARequestOnceThatMayNotBeRepeated)
+{
+    std::atomic<int> outputs{0};
+    UdpDevice device([&](UdpDevice& self, std::span<const std::uint8_t> request) {
+        outputs += request[2] > 1 ? 1 : 0;
+        self.Send(EchoReply(request[1], 77));  // an echo like the last reply is held back
+    });
+    Configure(device, "1000");
+    EchoDriver driver(u"ONCE", 10, 0ms, 2);
+    driver.isRight = [](std::uint8_t, std::uint8_t value) { return value == 77; };
+    ZRDeviceWorkGroup group(u"NET");
+    group.Add(&driver);
+    ASSERT_TRUE(group.Start(&connection));
+    VariableHandle handle = 0;
+    ASSERT_TRUE(driver.LockVariable(u"V0", handle));
+    for (int output = 1; output <= 10; ++output) {
+        ASSERT_TRUE(driver.SetOutput(handle, 100.0 + output));
+        ASSERT_TRUE(WaitFor([&] { return driver.outputsSent == output; }));
+    }
+    EXPECT_EQ(outputs, 10);
+}
+
 TEST_F(ZRDeviceWorkGroupTest, StopsAtRandomMomentsWithoutALeak)
 {
     UdpDevice device([](UdpDevice& self, std::span<const std::uint8_t> request) {
@@ -351,8 +412,8 @@ TEST_F(ZRDeviceWorkGroupTest, StopsAtRandomMomentsWithoutALeak)
     for (int round = 0; round < 200; ++round) {
         ZRDeviceWorkGroup group(u"NET");
         group.Add(&driver);
-        ASSERT_TRUE(group.Start(&connection));
         const int enough = device.requests + static_cast<int>(random() % 2);
+        ASSERT_TRUE(group.Start(&connection));
         ASSERT_TRUE(WaitFor([&] { return device.requests >= enough; }));
         group.OneHzCall(ZRDateTime(1, 0));
         group.Stop();

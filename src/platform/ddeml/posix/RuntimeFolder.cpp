@@ -317,11 +317,16 @@ void RuntimeFolder::RemoveDead(const std::string& token) const
     RemoveSocket(token);
 }
 
-bool IsPeerOfThisUser(int socket)
+bool IsPeerOfUser(int socket, uid_t user)
 {
     ucred peer{};
     socklen_t size = sizeof peer;
-    return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == geteuid();
+    return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == user;
+}
+
+bool IsPeerOfThisUser(int socket)
+{
+    return IsPeerOfUser(socket, geteuid());
 }
 
 }  // namespace zr::ddeml

@@ -1,6 +1,7 @@
 // The folder in which servers are found: one socket an instance, one small file a registered name.
 #pragma once
 
+#include <sys/types.h>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -66,7 +67,8 @@ private:
     Descriptor m_folder;
 };
 
-// Whether the other end of the socket is a process of this user.
+// Whether the other end of the socket was opened by a process of that user; without one, of this process's own.
+bool IsPeerOfUser(int socket, uid_t user);
 bool IsPeerOfThisUser(int socket);
 
 }  // namespace zr::ddeml

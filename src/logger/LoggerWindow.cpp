@@ -1,0 +1,177 @@
+#include "logger/LoggerWindow.h"
+
+#include "platform/Registry.h"
+#include "siblings/support/ZRKestrixSetup.h"
+
+#include <cstring>
+#include <vector>
+
+namespace zr::logger {
+
+namespace {
+
+// The suite's key of the user, open for as long as this lives. One that can't be opened stores nothing.
+class SetupKey {
+public:
+    SetupKey()
+    {
+        if (ZRKestrixSetup::instance != nullptr) {
+            m_isOpen = RegCreateKeyExW(HKEY_CURRENT_USER, ZRKestrixSetup::Get().registryKey.CStr(), 0, nullptr, 0,
+                                       KEY_ALL_ACCESS, nullptr, &m_key, nullptr) == ERROR_SUCCESS;
+        }
+    }
+    SetupKey(const SetupKey&) = delete;
+    SetupKey& operator=(const SetupKey&) = delete;
+    ~SetupKey()
+    {
+        if (m_isOpen) {
+            RegCloseKey(m_key);
+        }
+    }
+
+    void Write(const wchar* name, const ZRBasicString& text)
+    {
+        if (!m_isOpen) {
+            return;
+        }
+        // The terminating zero counts.
+        std::vector<std::uint8_t> bytes(2 * (text.Length() + 1));
+        std::memcpy(bytes.data(), text.CStr(), bytes.size());
+        RegSetValueExW(m_key, name, 0, REG_SZ, bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+    }
+
+private:
+    HKEY m_key = nullptr;
+    bool m_isOpen = false;
+};
+
+}  // namespace
+
+void LoggerWindow::Setup()
+{
+    groupBy = kGroupByWeek;
+    dateTo = ZRDateTime::LTC();
+    samplePeriod.SetDateTimeSpan(0, 0, 30, 0, 0, 0);
+}
+
+void LoggerWindow::SetupData(const ZRDateTime& date, int newGroupBy, const ZRDateTimeSpan& period, bool force)
+{
+    const bool isSelection = date != dateTo || newGroupBy != groupBy || force;
+    if (!isSelection && period == samplePeriod) {
+        return;
+    }
+    samplePeriod = period;
+    if (isSelection) {
+        dateTo = date;
+        groupBy = newGroupBy;
+    }
+    dateFrom = Adjusted(dateTo, groupBy);
+    if (dateFrom == dateTo) {
+        // The end of a unit, which isn't part of it.
+        dateFrom = Added(dateTo, -groupBy);
+    }
+    const ZRDateTime now = ZRDateTime::LTC();
+    if (dateFrom > now) {
+        dateFrom = Added(now, -groupBy);
+    }
+    dateTo = Added(dateFrom, groupBy);
+    m_host.Load(isSelection);
+}
+
+void LoggerWindow::SetupDataAtPeriod(const ZRDateTime& date, int newGroupBy, bool force)
+{
+    if (!IsAutomatic(samplePeriod)) {
+        SetupData(date, newGroupBy, samplePeriod, force);
+        return;
+    }
+    SetupData(date, newGroupBy, m_host.GetSamplePeriodIfAutomatic(static_cast<unsigned>(newGroupBy)), force);
+    samplePeriod = AutomaticPeriod();
+}
+
+void LoggerWindow::MoveTo(const ZRDateTime& date)
+{
+    // The window ends there. One that would begin before the first date, or end after the last, stays where it is.
+    if (Added(date, -groupBy).IsValid()) {
+        SetupDataAtPeriod(date, groupBy, false);
+    }
+}
+
+void LoggerWindow::OnPrevious()
+{
+    MoveTo(Added(dateTo, -groupBy));
+}
+
+void LoggerWindow::OnNext()
+{
+    ZRDateTime date = Adjusted(dateTo, groupBy);
+    if (dateTo > date) {
+        date = Added(date, groupBy);
+    }
+    MoveTo(Added(date, groupBy));
+}
+
+void LoggerWindow::OnGoTo()
+{
+    ZRDateTime chosen;
+    if (!m_host.ChooseDate(AdjustToGoTo(dateTo, -groupBy).ToOleDateTime(), chosen) || !chosen.IsValid()) {
+        return;
+    }
+    MoveTo(AdjustToGoTo(Adjusted(chosen, groupBy), groupBy));
+}
+
+void LoggerWindow::OnGroupByMenuItem(unsigned id)
+{
+    const GroupUnit* const unit = FindGroupUnit(id);
+    if (unit == nullptr) {
+        return;
+    }
+    SetupKey key;
+    key.Write(kLastGroupValue, unit->registryText);
+    // An automatic period always fits.
+    if (IsAutomatic(samplePeriod) || !BadCombination(id, samplePeriod.seconds)) {
+        SetupDataAtPeriod(dateTo, unit->id, false);
+    }
+}
+
+void LoggerWindow::OnPeriodMenuItem(unsigned id)
+{
+    const PeriodEntry* const entry = FindPeriod(id);
+    if (entry == nullptr) {
+        return;
+    }
+    SetupKey key;
+    key.Write(kLastPeriodValue, entry->registryText);
+    const ZRDateTimeSpan span = SpanOf(*entry);
+    if (IsAutomatic(span)) {
+        SetupData(dateTo, groupBy, m_host.GetSamplePeriodIfAutomatic(static_cast<unsigned>(groupBy)), false);
+        samplePeriod = AutomaticPeriod();
+    } else if (!BadCombination(static_cast<unsigned>(groupBy), span.seconds)) {
+        SetupData(dateTo, groupBy, span, false);
+    }
+}
+
+bool LoggerWindow::UpdateNext() const
+{
+    return dateTo < ZRDateTime::LTC();
+}
+
+bool LoggerWindow::BadCombination(unsigned unit, int seconds)
+{
+    if (!IsBadCombination(unit, seconds)) {
+        return false;
+    }
+    m_host.ShowMessage(kMessageBadCombination);
+    return true;
+}
+
+ZRDateTime LoggerWindow::Adjusted(const ZRDateTime& date, int unit) const
+{
+    return AdjustToGroupBy(date, unit, m_firstDayOfWeek);
+}
+
+ZRDateTime LoggerWindow::Added(const ZRDateTime& date, int unit) const
+{
+    return AddGroupByUnit(date, unit, m_firstDayOfWeek);
+}
+
+}  // namespace zr::logger

@@ -2,6 +2,7 @@
 
 #include "hosts/kestrix/DeviceWatch.h"
 #include "siblings/driversupport/MeasureUnits.h"
+#include "siblings/tools/DescriptionTable.h"
 
 #include <algorithm>
 #include <map>
@@ -61,7 +62,7 @@ PageRow RowOf(const VariableDescription& variable, std::size_t index)
     PageRow row;
     row.variable = index;
     row.name = variable.name;
-    row.description = variable.description.IsEmpty() ? variable.name : variable.description;
+    row.description = variable.description.IsEmpty() ? variable.name : TranslateDescription(variable.description);
     row.isPowerFactor = IsPowerFactor(variable);
     row.kind = KindOf(variable);
     // The unit of a power factor is its name, which the description tells.

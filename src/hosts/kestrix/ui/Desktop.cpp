@@ -12,6 +12,7 @@
 #include "platform/StopSignals.h"
 #include "platform/ui/CWinApp.h"
 #include "platform/ui/Images.h"
+#include "siblings/tools/Utf.h"
 #include "siblings/tools/ZRLocaleInformation.h"
 
 #include <fmt/chrono.h>

@@ -4,6 +4,7 @@
 #include "hosts/kestrix/PageFlow.h"
 #include "hosts/kestrix/ui/UiTexts.h"
 #include "platform/ui/Images.h"
+#include "siblings/tools/DescriptionTable.h"
 
 #include <algorithm>
 
@@ -131,7 +132,8 @@ int DevicePageView::PlaceHeader(int width)
     const int textLeft = kMargin + kIconSize + 12;
     AddText({textLeft, kMargin, stateLeft - 30 - textLeft, titleHeight}, ToQt(driver.name), TextRole::Title);
     const ZRDeviceConnection* const connection = ZRCommSystem::Get().ConnectionOfDriver(driver.name);
-    QString line = QStringLiteral("%1 \u00b7 %2").arg(ToQt(driver.DriverType()), ToQt(driver.Description()));
+    QString line =
+        QStringLiteral("%1 \u00b7 %2").arg(ToQt(driver.DriverType()), ToQt(TranslateDescription(driver.Description())));
     if (connection != nullptr) {
         line += QStringLiteral(" \u00b7 ") + ToQt(connection->name);
     }

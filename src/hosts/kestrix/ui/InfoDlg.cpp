@@ -13,7 +13,7 @@ namespace zr::desktop {
 namespace {
 
 constexpr unsigned kTextOk = 311;
-constexpr int kTextWidth = 360;
+constexpr int kColumnWidth = 360;
 constexpr int kIconSize = 48;
 
 }  // namespace
@@ -47,7 +47,7 @@ InfoDlg::InfoDlg(QWidget* parent, const QString& title, const QString& text, con
     } else {
         auto* const label = new CStatic(this, kInfoText);
         label->SetWindowText(ui::FromQt(text));
-        label->setMinimumWidth(kTextWidth);
+        label->setMinimumWidth(kColumnWidth);
         grid->addWidget(label, row++, 1, 1, 2);
     }
     auto* const ok = new CButton(this, ui::IDOK);

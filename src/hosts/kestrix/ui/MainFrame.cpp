@@ -17,6 +17,7 @@
 #include <QScrollArea>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QToolButton>
 #include <utility>
 
 namespace zr::desktop {

@@ -21,6 +21,7 @@ class CDebugDlgBar;
 class QLabel;
 class QScrollArea;
 class QSplitter;
+class QToolButton;
 
 namespace zr::desktop {
 

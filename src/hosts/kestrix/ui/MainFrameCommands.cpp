@@ -5,7 +5,6 @@
 #include "hosts/kestrix/ui/MainFrame.h"
 #include "hosts/kestrix/ui/PageSetupDlg.h"
 #include "hosts/kestrix/ui/UiTexts.h"
-#include "hosts/kestrix/Version.h"
 #include "platform/FileReplace.h"
 #include "platform/ui/AfxMessageBox.h"
 #include "platform/ui/Images.h"
@@ -22,11 +21,11 @@
 namespace zr::desktop {
 namespace {
 
-constexpr int kMessageTime = 6000;  // ms
+constexpr int kStatusTime = 6000;  // ms
 
-std::u16string FileText(const std::filesystem::path& path)
+ZRBasicString FileText(const std::filesystem::path& path)
 {
-    return std::u16string(Utf8ToUtf16(TextOfPath(path)).Text());
+    return Utf8ToUtf16(TextOfPath(path));
 }
 
 void Tell(const QString& text)
@@ -43,7 +42,7 @@ bool CheckReadable(const std::filesystem::path& document)
     }
     const XmlError& error = read.Error();
     const ZRBasicString reason = Utf8ToUtf16(error.reason);
-    const std::u16string file = FileText(document);
+    const ZRBasicString file = FileText(document);
     Tell(error.line != 0 ? FilledText(kTextErrorRead, {file, error.line, reason})
                          : FilledText(kTextErrorOpen, {file, reason}));
     return false;
@@ -168,7 +167,7 @@ bool MainFrame::OnLinkCommand(unsigned id)
 void MainFrame::Copy(const QString& text)
 {
     QApplication::clipboard()->setText(text);
-    statusBar()->showMessage(FilledText(kTextCopied, {FromQt(text)}), kMessageTime);
+    statusBar()->showMessage(FilledText(kTextCopied, {FromQt(text)}), kStatusTime);
 }
 
 QMenu* MakeLinkMenu(QWidget* target, const DeviceWatch&)
@@ -263,7 +262,7 @@ bool MainFrame::ReloadDocument()
     if (!CheckReadable(document) || !Adopt(document)) {
         return false;
     }
-    statusBar()->showMessage(FilledText(kTextStatusReloaded, {FileText(document)}), kMessageTime);
+    statusBar()->showMessage(FilledText(kTextStatusReloaded, {FileText(document)}), kStatusTime);
     return true;
 }
 
@@ -276,7 +275,7 @@ bool MainFrame::SaveDocument()
         return false;
     }
     ShowTitle();
-    statusBar()->showMessage(FilledText(kTextStatusSaved, {FileText(document)}), kMessageTime);
+    statusBar()->showMessage(FilledText(kTextStatusSaved, {FileText(document)}), kStatusTime);
     return true;
 }
 
@@ -284,7 +283,7 @@ bool MainFrame::SaveDocument()
 bool MainFrame::SaveDocumentAs(const std::filesystem::path& document)
 {
     XmlDocument copy(m_supervisor.Document());
-    copy.SetFileName(Utf8ToUtf16(TextOfPath(document)).CStr());
+    copy.SetFileName(FileText(document).CStr());
     if (!copy.Save()) {
         Tell(FilledText(kTextErrorSave, {FileText(document), Utf8ToUtf16(copy.Error().reason)}));
         return false;
@@ -308,7 +307,7 @@ void MainFrame::AskWhereToSave()
     const QString filter =
         QStringLiteral("%1 (*.xml);;%2 (*)").arg(LoadText(kTextFilterDocuments), LoadText(kTextFilterAllFiles));
     const QString file = QFileDialog::getSaveFileName(this, LoadText(kTextTitleSave),
-                                                      ui::ToQt(FileText(m_supervisor.Options().document)), filter);
+                                                      ToQt(FileText(m_supervisor.Options().document)), filter);
     if (!file.isEmpty()) {
         SaveDocumentAs(PathFromText(ui::FromQt(file)));
     }
@@ -331,7 +330,7 @@ void MainFrame::PrintShownPage()
 
 CDialog* MainFrame::NewAboutDialog()
 {
-    const QString text = FilledText(kTextAbout, {ZRBasicString(kVersion)});
+    const QString text = FilledText(kTextAbout, {ZRBasicString(u"" ZR_VERSION)});
     return new InfoDlg(this, LoadText(kTextTitleAbout), text, ui::NamedImage(QStringLiteral("kestrix")));
 }
 

@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QFontDatabase>
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 
 namespace zr::desktop {

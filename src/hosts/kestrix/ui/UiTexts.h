@@ -4,6 +4,7 @@
 #include "hosts/kestrix/DesktopIds.h"
 #include "platform/ui/UiText.h"
 #include "siblings/tools/FormatText.h"
+#include "siblings/tools/Utf.h"
 #include "siblings/tools/ZRLoadString.h"
 
 #include <initializer_list>

@@ -1,7 +1,7 @@
 #include "controls/BarSlots.h"
 
 #include "controls/LimitChecks.h"
-#include "controls/ValueReading.h"
+#include "controls/ShownText.h"
 
 namespace zr::controls {
 

@@ -3,8 +3,22 @@
 #include "siblings/tools/Numbers.h"
 
 #include <cmath>
+#include <limits>
 
 namespace zr::controls {
+
+double NumberOf(const tagSVariableValue& value)
+{
+    switch (value.type) {
+        case tagSVariableValue::kBoolean:
+            return value.boolean != 0 ? 1.0 : 0.0;
+        case tagSVariableValue::kText:
+        case tagSVariableValue::kWords:
+            return std::numeric_limits<double>::quiet_NaN();
+        default:
+            return value.number;
+    }
+}
 
 double ShownNumber(double value, const ZRDeviceDriver::tagSVariableInfo& info)
 {

@@ -6,6 +6,8 @@
 
 namespace zr::controls {
 
+// The number in a variable's value: 0 or 1 of a boolean, NaN of a text or a pair of words, which are no numbers.
+[[nodiscard]] double NumberOf(const tagSVariableValue& value);
 // The value in the displayed unit: value * 10 to the power (valueExponent - unitsExponent); the value itself where the
 // two are equal.
 [[nodiscard]] double ShownNumber(double value, const ZRDeviceDriver::tagSVariableInfo& info);

@@ -4,7 +4,6 @@
 #include "controls/TextOn.h"
 #include "siblings/tools/ZRLoadString.h"
 
-#include <limits>
 #include <optional>
 
 namespace zr::controls {
@@ -52,19 +51,6 @@ ValueState StateOf(const LimitChecks& limits, double number)
 }
 
 }  // namespace
-
-double NumberOf(const tagSVariableValue& value)
-{
-    switch (value.type) {
-        case tagSVariableValue::kBoolean:
-            return value.boolean != 0 ? 1.0 : 0.0;
-        case tagSVariableValue::kText:
-        case tagSVariableValue::kWords:
-            return std::numeric_limits<double>::quiet_NaN();
-        default:
-            return value.number;
-    }
-}
 
 Rect PlaceText(Size client, Size text, std::uint32_t drawFlags)
 {

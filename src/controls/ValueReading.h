@@ -23,8 +23,6 @@ inline constexpr std::uint32_t kSingleLine = 0x20;
 inline constexpr unsigned kTextDigitalOff = 607;
 inline constexpr unsigned kTextDigitalOn = 608;
 
-// The number in a variable's value: 0 or 1 of a boolean, NaN of a text or a pair of words, which are no numbers.
-[[nodiscard]] double NumberOf(const tagSVariableValue& value);
 // The rectangle of a text of that size in the client rectangle, as the format places it. Without kSingleLine a text
 // stands at the top. A text that is too large hangs over.
 [[nodiscard]] Rect PlaceText(Size client, Size text, std::uint32_t drawFlags);

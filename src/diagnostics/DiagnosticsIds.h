@@ -1,7 +1,22 @@
-// Numbers of the language file that the diagnostics use.
+// Numbers that the diagnostics and their hosts agree on: texts, controls, messages.
 #pragma once
 
 namespace zr {
+
+// The bar's dialog and its controls.
+inline constexpr unsigned kDebugBarDialog = 220;
+inline constexpr unsigned kWarningList = 5600;
+inline constexpr unsigned kCloseBarButton = 5601;
+
+// From the bar to its frame. Posted: a line was selected; the second argument is the index of the warning.
+inline constexpr unsigned kWarningSelectedMessage = 1474;
+// Posted: a drag of the bar's edge starts (first argument 0) or ends (1).
+inline constexpr unsigned kBarDragMessage = 1476;
+// A command, sent: the bar was closed.
+inline constexpr unsigned kBarClosedCommand = 1475;
+
+// The title of the list's column.
+inline constexpr unsigned kMessageColumnTitle = 789;
 
 // The texts of the warning list; each takes one text, the name of what the record is about.
 inline constexpr unsigned kMessageDeviceSilent = 32647;

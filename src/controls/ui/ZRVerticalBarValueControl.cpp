@@ -43,6 +43,7 @@ void ZRVerticalBarValueControl::SetInstValue(double value)
 void ZRVerticalBarValueControl::Disable()
 {
     m_bar.Disable();
+    Invalidate();
 }
 
 void ZRVerticalBarValueControl::VariableChanged(int slot)

@@ -88,6 +88,9 @@ CDialogBar::CDialogBar() : m_client(new ClientArea(*this)), m_caption(new Captio
     setMouseTracking(true);
     setWidget(m_client);
     setTitleBarWidget(m_caption);
+    // So that a cursor of the bar's own shows over its bare parts alone.
+    m_client->setCursor(Qt::ArrowCursor);
+    m_caption->setCursor(Qt::ArrowCursor);
     setFeatures(DockWidgetClosable | DockWidgetMovable | DockWidgetFloatable | DockWidgetVerticalTitleBar);
 }
 
@@ -116,6 +119,7 @@ bool CDialogBar::Create(QWidget* parent, unsigned templateId, unsigned style, un
     });
     OnInitDialog();
     show();
+    frame->RecalcLayout();
     return true;
 }
 
@@ -196,7 +200,8 @@ bool CDialogBar::OnMouse(QMouseEvent& event)
                 ReleaseCapture();
                 OnCaptureChanged();
             }
-            return OnMouseMove(point);
+            // With a button down and no capture the bar is being moved, which is Qt's.
+            return (m_hasCapture || event.buttons() == Qt::NoButton) && OnMouseMove(point);
         case QEvent::MouseButtonPress:
             return event.button() == Qt::LeftButton && OnLButtonDown(point);
         case QEvent::MouseButtonRelease:

@@ -1,6 +1,7 @@
 // A dialog that docks at a side of a frame window or floats.
 #pragma once
 
+#include "platform/BarStyles.h"
 #include "platform/ui/CWnd.h"
 
 #include <QDockWidget>
@@ -8,24 +9,6 @@
 class CFrameWnd;
 
 namespace zr::ui {
-
-// Styles of a bar, as the system numbers them. Where it is docked stands in bits 12 to 15; none of them: it floats.
-inline constexpr unsigned CBRS_SIZE_DYNAMIC = 0x0004;
-inline constexpr unsigned CBRS_BORDER_LEFT = 0x0100;
-inline constexpr unsigned CBRS_ALIGN_LEFT = 0x1000;
-inline constexpr unsigned CBRS_ALIGN_TOP = 0x2000;
-inline constexpr unsigned CBRS_ALIGN_RIGHT = 0x4000;
-inline constexpr unsigned CBRS_ALIGN_BOTTOM = 0x8000;
-inline constexpr unsigned CBRS_ALIGN_ANY = 0xf000;
-inline constexpr unsigned CBRS_GRIPPER = 0x00400000;
-
-// What a frame asks of CalcDynamicLayout, as the system numbers it.
-inline constexpr unsigned LM_STRETCH = 1;    // as long as the side it is docked at
-inline constexpr unsigned LM_HORZ = 2;       // lies, rather than stands
-inline constexpr unsigned LM_MRUWIDTH = 4;   // the size it had last when it floated
-inline constexpr unsigned LM_HORZDOCK = 8;   // docked at the top or the bottom
-inline constexpr unsigned LM_VERTDOCK = 16;  // docked at the left or the right
-inline constexpr unsigned LM_LENGTHY = 32;   // the length is a height
 
 // Why OnWindowPosChanged is called, as the system numbers it.
 inline constexpr unsigned SWP_NOREDRAW = 0x0008;
@@ -72,7 +55,8 @@ protected:
     virtual void OnSize();
     // SWP_HIDEWINDOW when it is hidden, with SWP_NOREDRAW as well when the user closed it by its caption.
     virtual void OnWindowPosChanged(unsigned flags);
-    // The mouse over the bar itself, or captured by it. False: the bar does what bars do, such as moving.
+    // The mouse over the bar itself with no button down, or captured by it. False: the bar does what bars do, such as
+    // moving.
     virtual bool OnMouseMove(QPoint point);
     virtual bool OnLButtonDown(QPoint point);
     virtual bool OnLButtonUp(QPoint point);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <QAbstractTableModel>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <vector>
@@ -98,6 +99,9 @@ CListCtrl::CListCtrl(QWidget* parent, unsigned id) : QTreeView(parent), m_lines(
     setSelectionMode(SingleSelection);
     setSelectionBehavior(SelectItems);
     setEditTriggers(NoEditTriggers);
+    header()->setStretchLastSection(false);
+    header()->setSectionsMovable(false);
+    header()->setMinimumSectionSize(0);
 }
 
 CListCtrl::~CListCtrl() = default;
@@ -111,7 +115,6 @@ int CListCtrl::InsertColumn(int index, std::u16string_view title)
 
 void CListCtrl::SetColumnWidth(int column, int width)
 {
-    header()->setMinimumSectionSize(0);
     setColumnWidth(column, std::max(width, 0));
 }
 
@@ -215,6 +218,16 @@ void CListCtrl::Notify(int index, unsigned newState, unsigned oldState)
     const zr::ui::NMLISTVIEW notice{
         {this, zr::ui::ControlId(*this), zr::ui::LVN_ITEMCHANGED}, index, newState, oldState};
     zr::ui::SendNotify(m_target, notice.hdr);
+}
+
+void CListCtrl::keyPressEvent(QKeyEvent* event)
+{
+    const bool isStep = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
+    if (isStep && m_lines->rowCount() > 0 && !selectionModel()->hasSelection()) {
+        SetItemState(std::max(currentIndex().row(), 0), zr::ui::LVIS_SELECTED, zr::ui::LVIS_SELECTED);
+        return;
+    }
+    QTreeView::keyPressEvent(event);
 }
 
 void CListCtrl::drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const

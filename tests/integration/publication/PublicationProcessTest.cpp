@@ -119,6 +119,19 @@ TEST_F(PublicationProcess, AKilledClientDisturbsNoOther)
     EXPECT_EQ(ExpectServed(other.Output()), 3u);
 }
 
+// It prints its values in the callback, so that a pipe nobody reads any more ends it there.
+TEST_F(PublicationProcess, AClientThatDiesInItsCallbackLeavesNothingBehind)
+{
+    Process dying({"sh", "-c", "\"$0\" advise HALL M1 P1 I1 U1 --timeout 60 | head -n 1", ZR_CLIENT}, Environment());
+    ASSERT_EQ(dying.WaitForExit(std::chrono::seconds(70)), 0) << dying.Errors();
+    Process other(Client({"advise", "HALL", "M1", "P2", "--timeout", "60"}), Environment());
+    ASSERT_TRUE(other.ReadLineWith("P2")) << other.Errors();
+    m_service->Send(SIGTERM);
+    EXPECT_EQ(m_service->WaitForExit(), 0) << m_service->Errors();
+    EXPECT_NE(m_service->Output().find("\"dde_conversations\":1,\"dde_links\":1,\"dde_posts\":"), std::string::npos)
+        << m_service->Output();
+}
+
 TEST_F(PublicationProcess, RefusesWhatItDoesNotPublish)
 {
     for (const std::vector<std::string>& arguments : {std::vector<std::string>{"advise", "NOBODY", "M1", "P1"},

@@ -310,6 +310,14 @@ TEST_F(ZRBarValueControlTest, SpeaksItsVariableAndItsValues)
     EXPECT_EQ(spoken->text(QAccessible::Value), QStringLiteral("230.00 V; 240.00 V; -"));
 }
 
+TEST_F(ZRBarValueControlTest, TakesABooleanAsZeroOrOneAndATextAsNoNumber)
+{
+    device.Store()->At(0).WriteBoolean(true);
+    device.Store()->At(1).WriteText(u"A-17");
+    bar.Update();
+    EXPECT_EQ(bar.SpokenText(), QStringLiteral("1.00 V; NaN V; -"));
+}
+
 TEST_F(ZRBarValueControlTest, PaintsWhiteNumbersOnADarkFace)
 {
     zr::test::SetDark(parent);

@@ -3,6 +3,9 @@
 
 #include "DdeFixture.h"
 
+#ifndef _WIN32
+#include <sys/resource.h>
+#endif
 #include <thread>
 
 namespace zr::test {
@@ -95,6 +98,27 @@ TEST_F(ZRDDEServerTest, IsReachedBetweenStartAndStopOnly)
     EXPECT_TRUE(server.Start());
     EXPECT_EQ(ZRDDEServer::Get(), &server);
 }
+
+#ifndef _WIN32  // It asks the system for no descriptors that could run out.
+TEST_F(ZRDDEServerTest, StartFailsWhereDdeCantBeBegunAndTheServerIsNotReached)
+{
+    server.Stop();
+    // A thread of its own, since DDE keeps what it once was given.
+    std::thread([] {
+        rlimit usual{};
+        ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+        rlimit none = usual;
+        none.rlim_cur = 3;
+        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+        ZRDDEServer unlucky;
+        EXPECT_FALSE(unlucky.Start());
+        EXPECT_EQ(ZRDDEServer::Get(), nullptr);
+        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
+        EXPECT_TRUE(unlucky.Start()) << "once there are some again";
+        EXPECT_EQ(ZRDDEServer::Get(), &unlucky);
+    }).join();
+}
+#endif
 
 TEST_F(ZRDDEServerTest, ConstructingAnotherServerMakesTheStartedOneUnreachable)
 {

@@ -29,6 +29,9 @@ namespace {
 
 constexpr std::chrono::milliseconds kDispatchPeriod{20};  // between two looks for what clients ask
 constexpr std::chrono::milliseconds kSignalPeriod{200};
+// Of the pictures, whatever the screen: the least window that shows everything.
+constexpr int kPictureWidth = 1024;
+constexpr int kPictureHeight = 700;
 
 class Desktop final : private supervision::Supervisor::Host {
 public:
@@ -113,7 +116,6 @@ bool Desktop::Prepare()
         m_app = std::make_unique<CWinApp>(ZRKestrixSetup::Get().registryKey.Text());
     } else {
         m_settings.language = "en";
-        m_settings.window = {0, 0, 1024, 700, false};
     }
     if (!m_options.language.empty()) {
         m_settings.language = m_options.language;
@@ -175,6 +177,7 @@ int Desktop::TakePictures()
         }
         QApplication::quit();
     });
+    m_frame->setGeometry(0, 0, kPictureWidth, kPictureHeight);
     m_frame->show();
     m_frame->Run();
     QApplication::exec();

@@ -29,6 +29,7 @@ QIcon WithState(const QIcon& picture, DeviceState state)
         painter.end();
         pixmap.setDevicePixelRatio(scale);
         both.addPixmap(pixmap);
+        both.addPixmap(pixmap, QIcon::Selected);  // else the style tints it
     }
     return both;
 }

@@ -27,7 +27,7 @@ InfoDlg::InfoDlg(QWidget* parent, const QString& title, const QString& text, con
     grid->setHorizontalSpacing(18);
     auto* const picture = new QLabel(this);
     picture->setPixmap(icon.pixmap(QSize(kIconSize, kIconSize), devicePixelRatio()));
-    grid->addWidget(picture, 0, 0, Qt::AlignTop);
+    grid->addWidget(picture, 0, 0, -1, 1, Qt::AlignTop);
     int row = 0;
     if (text.contains(QLatin1Char('\t'))) {
         for (const QString& line : text.split(QLatin1Char('\n'))) {

@@ -260,7 +260,11 @@ QFont PageView::FontOf(TextRole role) const
 {
     QFont result = font();
     if (role == TextRole::Title) {
-        result.setPointSizeF(result.pointSizeF() * 1.5);
+        if (result.pixelSize() > 0) {
+            result.setPixelSize(result.pixelSize() * 3 / 2);
+        } else {
+            result.setPointSizeF(result.pointSizeF() * 1.5);
+        }
         result.setBold(true);
     } else if (role == TextRole::Section || role == TextRole::Heading) {
         result.setBold(true);
@@ -270,7 +274,8 @@ QFont PageView::FontOf(TextRole role) const
 
 int PageView::WidthOf(const QString& text, TextRole role) const
 {
-    return QFontMetrics(FontOf(role)).horizontalAdvance(text);
+    // A pixel more than its characters take, so that it isn't shortened where it just fits.
+    return text.isEmpty() ? 0 : QFontMetrics(FontOf(role)).horizontalAdvance(text) + 2;
 }
 
 int PageView::RowHeight() const

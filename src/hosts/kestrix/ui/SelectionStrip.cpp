@@ -7,7 +7,7 @@
 #include "hosts/supervision/ValueText.h"
 #include "platform/ui/Images.h"
 
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QPainter>
@@ -35,13 +35,15 @@ SelectionStrip::SelectionStrip(QWidget* parent, QWidget* target)
       m_mark(new QLabel(this)),
       m_copy(new QToolButton(this))
 {
-    auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(16, 6, 16, 6);
-    row->setSpacing(16);
-    row->addWidget(m_name);
-    row->addWidget(m_number);
-    row->addWidget(m_mark, 1);
-    row->addWidget(m_copy);
+    auto* const grid = new QGridLayout(this);
+    grid->setContentsMargins(16, 6, 16, 6);
+    grid->setHorizontalSpacing(16);
+    grid->setVerticalSpacing(2);
+    grid->addWidget(m_name, 0, 0);
+    grid->addWidget(m_number, 0, 1);
+    grid->addWidget(m_mark, 1, 0, 1, 3);
+    grid->addWidget(m_copy, 0, 3, 2, 1);
+    grid->setColumnStretch(2, 1);
     m_mark->setObjectName(QString::number(kSelectionText));
     m_copy->setObjectName(QString::number(kSelectionCopy));
     m_copy->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -53,6 +55,7 @@ SelectionStrip::SelectionStrip(QWidget* parent, QWidget* target)
     for (QLabel* const label : {m_name, m_number, m_mark}) {
         label->setTextFormat(Qt::PlainText);
         label->setMinimumWidth(1);
+        label->setMinimumHeight(fontMetrics().height() + 2);
     }
     connect(m_copy, &QToolButton::clicked, this, [this] { ui::SendCommand(m_target, kCmdLinkReference, 0, nullptr); });
     Translate();

@@ -24,8 +24,9 @@ void OnQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text)
         std::_Exit(kBadInput);
     }
     // What the platform has to say before that goes with it.
-    if (type == QtCriticalMsg || (type == QtWarningMsg && !text.startsWith(QLatin1String("qt.qpa")) &&
-                                  !text.contains(QLatin1String("XDG_RUNTIME_DIR")))) {
+    const bool isOfPlatform = text.startsWith(QLatin1String("qt.qpa")) || text.contains(QLatin1String("plugin")) ||
+                              text.contains(QLatin1String("XDG_RUNTIME_DIR"));
+    if (type == QtCriticalMsg || (type == QtWarningMsg && !isOfPlatform)) {
         std::fprintf(stderr, "%s\n", text.toUtf8().constData());
     }
 }

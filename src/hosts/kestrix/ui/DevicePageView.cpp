@@ -171,8 +171,11 @@ int DevicePageView::PlaceRows(const Part& part, int top, int width)
     }
     const bool isText =
         std::any_of(part.rows.begin(), part.rows.end(), [](const Row& row) { return row.row.kind == RowKind::Text; });
-    const int value =
-        WidthOf(isText ? QStringLiteral("8888 8888 8888 88") : QStringLiteral("-88.888.888,8"), TextRole::Text);
+    const bool isCount = part.section == Section::Energies || part.section == Section::Counters;
+    const QString widest = isText    ? QStringLiteral("8888 8888 8888 88")
+                           : isCount ? QStringLiteral("888.888.888,88")
+                                     : QStringLiteral("-88.888,888");
+    const int value = WidthOf(widest, TextRole::Text);
     const int needed = description + 10 + value + kUnitGap + unit;
     const auto count = static_cast<int>(part.rows.size());
     const PageFlow flow = PageFlow::Of(width - 2 * kMargin, needed, kColumnGap, std::min(kMostRowColumns, count));

@@ -49,6 +49,7 @@ DeviceTreeView::DeviceTreeView(QWidget* parent, unsigned id) : CTreeCtrl(parent,
     setTextElideMode(Qt::ElideRight);
     setIndentation(16);
     setFrameShape(QFrame::NoFrame);
+    TakeColours();
     connect(this, &QTreeWidget::itemChanged, this, [this](HTREEITEM item, int) { Renamed(item); });
 }
 

@@ -3,6 +3,7 @@
 
 #include "hosts/kestrix/DeviceTree.h"
 #include "hosts/kestrix/PlantWatch.h"
+#include "hosts/kestrix/ui/Theme.h"
 #include "platform/ui/CTreeCtrl.h"
 
 #include <vector>
@@ -18,6 +19,9 @@ public:
     void Show(const DeviceTree& tree);
     // Pictures by the states of the devices.
     void UpdateStates(const PlantWatch& watch);
+
+    // Those in force; to be called when they have changed.
+    void TakeColours() { setPalette(TreePalette()); }
 
     [[nodiscard]] const DeviceTree& Tree() const { return m_tree; }
     // DeviceTree::kNone when none is selected.

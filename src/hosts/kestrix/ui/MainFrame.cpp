@@ -333,12 +333,22 @@ void MainFrame::closeEvent(QCloseEvent* event)
 void MainFrame::changeEvent(QEvent* event)
 {
     CFrameWnd::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange && m_banner != nullptr) {
-        QPalette colours = m_banner->palette();
-        colours.setColor(QPalette::Window, NoticeColour());
-        colours.setColor(QPalette::WindowText, NoticeTextColour());
-        m_banner->setPalette(colours);
+    // Qt tells windows only, and what has colours of its own is inside.
+    if (event->type() == QEvent::ApplicationPaletteChange && m_banner != nullptr) {
+        TakeColours();
     }
+}
+
+void MainFrame::TakeColours()
+{
+    m_tree->TakeColours();
+    if (m_page != nullptr) {
+        m_page->TakeColours();
+    }
+    QPalette colours = palette();
+    colours.setColor(QPalette::Window, NoticeColour());
+    colours.setColor(QPalette::WindowText, NoticeTextColour());
+    m_banner->setPalette(colours);
 }
 
 }  // namespace zr::desktop

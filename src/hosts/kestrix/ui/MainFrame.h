@@ -75,6 +75,8 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    // Of the parts that have colours of their own.
+    void TakeColours();
     void MakeCentre();
     void MakeBanner();
     void MakeMenus();

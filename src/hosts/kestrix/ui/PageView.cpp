@@ -70,13 +70,6 @@ PageView::PageView(QWidget* parent) : ZRBaseViewDlg(kDialogId, parent)
     TakeColours();
 }
 
-void PageView::TakeColours()
-{
-    m_isTakingColours = true;
-    setPalette(PagePalette());
-    m_isTakingColours = false;
-}
-
 void PageView::UpdateValues()
 {
     for (const Value& value : m_values) {
@@ -242,10 +235,6 @@ void PageView::PlaceAgain()
 void PageView::changeEvent(QEvent* event)
 {
     ZRBaseViewDlg::changeEvent(event);
-    if ((event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationPaletteChange) &&
-        !m_isTakingColours) {
-        TakeColours();
-    }
     if (event->type() == QEvent::FontChange) {
         PlaceAgain();
     }

@@ -6,6 +6,7 @@
 #include "controls/ui/ZRValueControl.h"
 #include "hosts/kestrix/PageModel.h"
 #include "hosts/kestrix/ui/TextValueControl.h"
+#include "hosts/kestrix/ui/Theme.h"
 #include "platform/ui/CFont.h"
 
 #include <functional>
@@ -37,6 +38,8 @@ public:
 
     // From the host's periodic work.
     virtual void UpdateValues();
+    // Those in force; to be called when they have changed.
+    void TakeColours() { setPalette(PagePalette()); }
     // Called when another value is selected, or none.
     void OnSelection(std::function<void()> listener) { m_listener = std::move(listener); }
     // Called for the menu of the selected value; on the screen.
@@ -104,7 +107,6 @@ private:
         QIcon icon;
     };
 
-    void TakeColours();
     // The control was selected or let go by the user.
     void Chosen(const QWidget& window);
     [[nodiscard]] const Value* FindValue(const QWidget& window) const;
@@ -116,7 +118,6 @@ private:
     std::vector<PageText> m_texts;
     std::vector<QRect> m_lines;
     std::vector<PageIcon> m_icons;
-    bool m_isTakingColours = false;
     bool m_isPlacing = false;
 };
 

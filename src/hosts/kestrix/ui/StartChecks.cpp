@@ -4,8 +4,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <QApplication>
 #include <QByteArray>
-#include <QFontDatabase>
+#include <QFont>
+#include <QRawFont>
 #include <QString>
 #include <QStringList>
 #include <QtGlobal>
@@ -25,6 +27,7 @@ void OnQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text)
     }
     // What the platform has to say before that goes with it.
     const bool isOfPlatform = text.startsWith(QLatin1String("qt.qpa")) || text.contains(QLatin1String("plugin")) ||
+                              text.contains(QLatin1String("connect to display")) ||
                               text.contains(QLatin1String("XDG_RUNTIME_DIR"));
     if (type == QtCriticalMsg || (type == QtWarningMsg && !isOfPlatform)) {
         std::fprintf(stderr, "%s\n", text.toUtf8().constData());
@@ -56,7 +59,9 @@ bool CheckDisplay(bool isOffScreen, std::string& problem)
 
 bool CheckFonts(std::string& problem)
 {
-    if (!QFontDatabase::families().isEmpty()) {
+    // Qt lists families for its generic names even where no file stands behind any, and draws boxes then.
+    const QRawFont font = QRawFont::fromFont(QApplication::font());
+    if (font.isValid() && !font.fontTable("cmap").isEmpty()) {
         return true;
     }
     problem = "there is no font on this machine; scripts/setup installs fonts-dejavu-core";

@@ -17,6 +17,7 @@ struct Scheme {
     QRgb line;
     QRgb highlight;
     QRgb highlightedText;
+    QRgb selected;
     QRgb link;
     QRgb notice;
     QRgb noticeText;
@@ -25,9 +26,9 @@ struct Scheme {
 };
 
 constexpr Scheme kLight{0xfff1f3f6, 0xffffffff, 0xfff6f8fa, 0xfff8f9fb, 0xff1b2430, 0xff5b6675, 0xff9aa3ae, 0xffdde2e8,
-                        0xff1f6fc9, 0xffffffff, 0xff1a5fb4, 0xfffff2cc, 0xff4a3700, 0xffffffff, 0xffa9b1bc};
+                        0xff1f6fc9, 0xffffffff, 0xffcfe2f8, 0xff1a5fb4, 0xfffff2cc, 0xff4a3700, 0xffffffff, 0xffa9b1bc};
 constexpr Scheme kDark{0xff22272e, 0xff1a1e24, 0xff20252c, 0xff2d333c, 0xffe4e9f0, 0xff9aa7b8, 0xff6a7481, 0xff363e49,
-                       0xff2f7fd8, 0xffffffff, 0xff6cb0ff, 0xff4d3d0c, 0xffffe9a8, 0xff4a525e, 0xff10141a};
+                       0xff2f7fd8, 0xffffffff, 0xff2c4768, 0xff6cb0ff, 0xff4d3d0c, 0xffffe9a8, 0xff4a525e, 0xff10141a};
 
 bool& DesktopIsDark()
 {
@@ -105,6 +106,14 @@ QPalette PagePalette()
 {
     QPalette palette = PaletteOf(SchemeInForce());
     palette.setColor(QPalette::Window, Opaque(SchemeInForce().page));
+    return palette;
+}
+
+QPalette TreePalette()
+{
+    QPalette palette = PaletteOf(SchemeInForce());
+    palette.setColor(QPalette::Highlight, Opaque(SchemeInForce().selected));
+    palette.setColor(QPalette::HighlightedText, Opaque(SchemeInForce().text));
     return palette;
 }
 

@@ -18,6 +18,8 @@ bool IsDark();
 
 // The palette of a page: its values stand on the colour of paper, not on that of the frame.
 QPalette PagePalette();
+// That of the tree: what is selected keeps the colours of its picture.
+QPalette TreePalette();
 // Lines between rows, texts of less weight, the ground of a message that asks for attention and its text.
 QColor LineColour();
 QColor QuietTextColour();

@@ -330,15 +330,6 @@ void MainFrame::closeEvent(QCloseEvent* event)
     QApplication::quit();
 }
 
-void MainFrame::changeEvent(QEvent* event)
-{
-    CFrameWnd::changeEvent(event);
-    // Qt tells windows only, and what has colours of its own is inside.
-    if (event->type() == QEvent::ApplicationPaletteChange && m_banner != nullptr) {
-        TakeColours();
-    }
-}
-
 void MainFrame::TakeColours()
 {
     m_tree->TakeColours();

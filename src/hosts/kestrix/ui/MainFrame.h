@@ -72,7 +72,6 @@ protected:
     bool OnMessage(unsigned message, std::uintptr_t wParam, std::intptr_t lParam) override;
     bool OnNotify(const ui::NMHDR& notice) override;
     void closeEvent(QCloseEvent* event) override;
-    void changeEvent(QEvent* event) override;
 
 private:
     // Of the parts that have colours of their own.

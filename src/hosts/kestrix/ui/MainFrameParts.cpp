@@ -290,6 +290,7 @@ void MainFrame::ChooseColours(Colours colours)
 {
     m_settings.colours = colours;
     UseColours(colours);
+    TakeColours();
     CheckItems();
 }
 

@@ -78,12 +78,14 @@ protected:
     }
     void TearDown() override { ui::SetModalHook(nullptr); }
 
-    // Those of Qt's own, such as the one that asks for a file, run a loop of their own.
+    // Those of Qt's own, such as the one that asks for a file and the menu of a button, run a loop of their own.
     void CloseModalWindows()
     {
         QObject::connect(&m_closer, &QTimer::timeout, &m_closer, [] {
-            if (QWidget* const modal = QApplication::activeModalWidget(); modal != nullptr) {
-                modal->close();
+            for (QWidget* const window : {QApplication::activePopupWidget(), QApplication::activeModalWidget()}) {
+                if (window != nullptr) {
+                    window->close();
+                }
             }
         });
         m_closer.start(5);

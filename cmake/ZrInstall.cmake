@@ -1,5 +1,5 @@
-# Installation and the CMake package ZRCore: `find_package(ZRCore COMPONENTS core devices)` gives ZRCore::core,
-# ZRCore::devices and the folder of the resources as ZRCore_RESOURCES.
+# Installation and the CMake package ZRCore: `find_package(ZRCore COMPONENTS core devices ui)` gives ZRCore::core,
+# ZRCore::devices, ZRCore::ui and the folder of the resources as ZRCore_RESOURCES.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -18,13 +18,19 @@ if(TARGET zrdevices)
   zr_install_component(devices zrdevices)
 endif()
 
+if(TARGET zrcoreui)
+  zr_install_component(ui zrcoreui)
+else()
+  set(ZR_WITHOUT_UI PATTERN ui EXCLUDE)
+endif()
+
 # What hosts include, and what that includes.
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zrcore
   FILES_MATCHING PATTERN *.h
-  PATTERN hosts EXCLUDE PATTERN simulation EXCLUDE PATTERN ui EXCLUDE PATTERN posix EXCLUDE PATTERN win32 EXCLUDE)
+  PATTERN hosts EXCLUDE PATTERN simulation EXCLUDE ${ZR_WITHOUT_UI} PATTERN posix EXCLUDE PATTERN win32 EXCLUDE)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/resources/ DESTINATION ${ZR_RESOURCE_FOLDER})
 
-foreach(program kestrixd kestrix-plant)
+foreach(program kestrix kestrixd kestrix-plant)
   if(TARGET ${program})
     install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   endif()

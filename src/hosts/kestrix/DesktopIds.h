@@ -110,6 +110,27 @@ inline constexpr unsigned kTextAskSave = 40140;
 inline constexpr unsigned kTextAskReload = 40141;
 inline constexpr unsigned kMessageSupervised = 40142;
 
+// What was added to the page, the printing and the status bar.
+inline constexpr unsigned kTextSectionCounters = 40170;
+inline constexpr unsigned kTextSectionHarmonics = 40171;
+inline constexpr unsigned kTextPaperSize = 40172;
+inline constexpr unsigned kTextOrientation = 40173;
+inline constexpr unsigned kTextPortrait = 40174;
+inline constexpr unsigned kTextLandscape = 40175;
+inline constexpr unsigned kTextMargin = 40176;
+inline constexpr unsigned kTextTitlePageSetup = 40177;
+inline constexpr unsigned kTextFilePrint = 40178;
+inline constexpr unsigned kTextPagerRange = 40179;
+inline constexpr unsigned kTextPagerPrevious = 40180;
+inline constexpr unsigned kTextPagerNext = 40181;
+inline constexpr unsigned kTextRenameGroup = 40182;
+inline constexpr unsigned kTextStatusPublished = 40183;
+inline constexpr unsigned kTextStatusNotPublished = 40184;
+inline constexpr unsigned kTextStatusValues = 40185;
+inline constexpr unsigned kTextSelectValue = 40186;
+inline constexpr unsigned kTextErrorPrint = 40187;
+inline constexpr unsigned kTextReadAgain = 40188;
+
 // Help.
 inline constexpr unsigned kTextTitleAbout = 40160;
 inline constexpr unsigned kTextAbout = 40161;

@@ -32,7 +32,4 @@ private:
     std::list<Row> m_rows;
 };
 
-// The value with its unit, as "230.4 V"; "--" while it isn't valid.
-std::string ValueText(ZRDriverVariable& variable);
-
 }  // namespace zr::service

@@ -65,6 +65,7 @@ Supervisor::~Supervisor()
     m_system.Reset();
     ZRDeviceDriver::ClearFactories();
     SetLanguage(nullptr);
+    SetDescriptions(nullptr);
 }
 
 bool Supervisor::Prepare(const std::string& language)
@@ -78,16 +79,22 @@ bool Supervisor::Prepare(const std::string& language)
 
 bool Supervisor::UseLanguage(const std::string& language)
 {
-    std::unique_ptr<LanguageFile>& known = m_languages[language];
+    std::unique_ptr<Language>& known = m_languages[language];
     if (known == nullptr) {
-        auto file = std::make_unique<LanguageFile>();
-        if (!file->Load(ResourceFolder() / "language" / (language + ".txt"))) {
-            m_host.Complain(file->Error().Message());
+        auto fresh = std::make_unique<Language>();
+        if (!fresh->texts.Load(ResourceFolder() / "language" / (language + ".txt"))) {
+            m_host.Complain(fresh->texts.Error().Message());
             return false;
         }
-        known = std::move(file);
+        const std::filesystem::path descriptions = ResourceFolder() / "descriptions" / (language + ".txt");
+        std::error_code ignored;
+        if (std::filesystem::exists(descriptions, ignored) && !fresh->descriptions.Load(descriptions)) {
+            m_host.Complain(fresh->descriptions.Error().Message());
+        }
+        known = std::move(fresh);
     }
-    SetLanguage(known.get());
+    SetLanguage(&known->texts);
+    SetDescriptions(&known->descriptions);
     return true;
 }
 

@@ -10,6 +10,7 @@
 #include "platform/ProcessLock.h"
 #include "siblings/driversupport/DeviceWarning.h"
 #include "siblings/support/ZRKestrixSetup.h"
+#include "siblings/tools/DescriptionTable.h"
 #include "siblings/tools/LanguageFile.h"
 
 #include <cstddef>
@@ -104,7 +105,12 @@ private:
     SupervisionOptions m_options;
     std::string m_program;
     Host& m_host;
-    std::map<std::string, std::unique_ptr<LanguageFile>> m_languages;
+    // Never unloaded, since another thread may hold a text of the one that was in force.
+    struct Language {
+        LanguageFile texts;
+        DescriptionTable descriptions;  // empty: the descriptions of profiles stay English
+    };
+    std::map<std::string, std::unique_ptr<Language>> m_languages;
     ZRKestrixSetup m_setup;
     std::unique_ptr<ProcessLock> m_lock;
     bool m_isOurs = false;

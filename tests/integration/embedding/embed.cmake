@@ -68,3 +68,27 @@ execute_process(COMMAND ${prefix}/bin/kestrix-plant ${FOLDER}/plant.xml --for 5
 if(NOT results STREQUAL "0;0" OR NOT output MATCHES "METER-1.U1 2[0-9][0-9]")
   message(FATAL_ERROR "service ended with ${results} and printed for a live meter:\n${output}\n${problems}")
 endif()
+
+# The host with a window: a picture of its page, off screen, while a plant plays the meter.
+if(WITH_UI)
+  set(view ${FOLDER}/view)
+  file(REMOVE_RECURSE ${view})
+  run(${CMAKE_COMMAND} -S ${SOURCE}/examples/view -B ${view} -G ${GENERATOR}
+    -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_FLAGS=${flags} -DCMAKE_PREFIX_PATH=${prefix})
+  run(${CMAKE_COMMAND} --build ${view})
+  set(ENV{QT_QPA_PLATFORM} offscreen)
+  execute_process(COMMAND ${prefix}/bin/kestrix-plant ${FOLDER}/plant.xml --for 5
+                  COMMAND ${view}/view ${FOLDER}/one.xml 4 ${FOLDER}/view.png
+                  OUTPUT_VARIABLE output ERROR_VARIABLE problems RESULTS_VARIABLE results)
+  if(NOT results STREQUAL "0;0" OR NOT EXISTS ${FOLDER}/view.png)
+    message(FATAL_ERROR "view ended with ${results}:\n${output}\n${problems}")
+  endif()
+  file(SIZE ${FOLDER}/view.png size)
+  if(size LESS 1000)
+    message(FATAL_ERROR "the picture of view has ${size} bytes: its page is blank")
+  endif()
+  execute_process(COMMAND ${view}/view ${FOLDER}/absent.xml ERROR_VARIABLE problems RESULT_VARIABLE result)
+  if(NOT result EQUAL 2 OR NOT problems MATCHES "absent.xml")
+    message(FATAL_ERROR "view ended with ${result} for a document that doesn't exist:\n${problems}")
+  endif()
+endif()

@@ -1,0 +1,124 @@
+#include "hosts/kestrix/ui/Snapshot.h"
+
+#include "hosts/kestrix/ui/MainFrame.h"
+#include "hosts/kestrix/ui/PageSetupDlg.h"
+#include "hosts/kestrix/ui/UiTexts.h"
+#include "platform/FileReplace.h"
+
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <QCoreApplication>
+#include <QPixmap>
+#include <set>
+#include <system_error>
+
+namespace zr::desktop {
+namespace {
+
+class Camera {
+public:
+    Camera(MainFrame& frame, std::filesystem::path folder) : m_frame(frame), m_folder(std::move(folder)) {}
+
+    // The first device of each type, and the first group.
+    void TakePages()
+    {
+        const DeviceTree& tree = m_frame.Tree().Tree();
+        std::set<ZRBasicString> types;
+        bool hasGroup = false;
+        for (std::size_t node = 0; node < tree.Size(); ++node) {
+            if (tree[node].kind == DeviceTree::Kind::Device) {
+                const DeviceWatch* const watch = m_frame.Watch().Find(tree[node].text);
+                const ZRBasicString type = watch != nullptr ? watch->Driver().DriverType() : u"";
+                if (types.insert(type).second) {
+                    TakePage(node, "device-" + Utf16ToUtf8(type));
+                }
+            } else if (!std::exchange(hasGroup, true)) {
+                TakePage(node, "group");
+            }
+        }
+    }
+
+    void TakeDialogs()
+    {
+        Take(std::unique_ptr<CDialog>(m_frame.NewAboutDialog()), "about");
+        Take(std::unique_ptr<CDialog>(m_frame.NewKeysDialog()), "keys");
+        Take(std::make_unique<PageSetupDlg>(&m_frame, DesktopSettings()), "pagesetup");
+    }
+
+    void SetSuffix(const std::string& suffix) { m_suffix = suffix; }
+    [[nodiscard]] const std::string& Problem() const { return m_problem; }
+
+private:
+    void TakePage(std::size_t node, const std::string& name)
+    {
+        m_frame.ShowNode(node);
+        m_frame.UpdateAll();
+        SelectFirstValue();
+        Settle();
+        Save(m_frame.grab(), name);
+    }
+
+    // So that the strip of the selected value is in the picture.
+    void SelectFirstValue()
+    {
+        if (PageView* const page = m_frame.Page(); page != nullptr) {
+            page->SelectFirst();
+        }
+    }
+
+    void Take(std::unique_ptr<CDialog> dialog, const std::string& name)
+    {
+        dialog->Create();
+        dialog->adjustSize();
+        Settle();
+        Save(dialog->grab(), name);
+    }
+
+    static void Settle()
+    {
+        // What was asked to be laid out and painted is done by then.
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    }
+
+    void Save(const QPixmap& picture, const std::string& name)
+    {
+        const std::filesystem::path file = m_folder / (name + m_suffix + ".png");
+        const std::string text = TextOfPath(file);
+        if (!picture.save(QString::fromStdString(text), "PNG")) {
+            m_problem = m_problem.empty() ? text + ": can't be written" : m_problem;
+            return;
+        }
+        std::printf("%s\n", text.c_str());
+        std::fflush(stdout);
+    }
+
+    MainFrame& m_frame;
+    std::filesystem::path m_folder;
+    std::string m_suffix;
+    std::string m_problem;
+};
+
+}  // namespace
+
+bool SaveSnapshots(MainFrame& frame, const std::filesystem::path& folder, std::string& problem)
+{
+    std::error_code failed;
+    std::filesystem::create_directories(folder, failed);
+    if (failed) {
+        problem = TextOfPath(folder) + ": " + failed.message();
+        return false;
+    }
+    Camera camera(frame, folder);
+    for (const auto& [colours, suffix] : {std::pair(Colours::Light, "-light"), std::pair(Colours::Dark, "-dark")}) {
+        frame.ChooseColours(colours);
+        camera.SetSuffix(suffix);
+        camera.TakePages();
+        camera.TakeDialogs();
+    }
+    problem = camera.Problem();
+    return problem.empty();
+}
+
+}  // namespace zr::desktop

@@ -79,7 +79,8 @@ ZRBasicString NumberText(double number, std::int32_t decimals, bool local)
 {
     ZRBasicString text;
     if (local) {
-        FormatNumber(text, number, decimals, true);
+        // A client reads numbers as the system writes them, not as our windows do in the language chosen there.
+        FormatNumber(text, number, decimals, SystemLocaleInformationWide());
     } else {
         text = PlainText(number);
     }

@@ -113,6 +113,11 @@ const ZRLocaleInformation<ZRBasicString>& LocaleInformationWide()
     return InForce().wide;
 }
 
+const ZRLocaleInformation<ZRBasicString>& SystemLocaleInformationWide()
+{
+    return SystemRecords().wide;
+}
+
 const ZRLocaleInformation<ZRBasicString8>& LocaleInformation()
 {
     return InForce().narrow;

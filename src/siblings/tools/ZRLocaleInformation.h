@@ -31,6 +31,8 @@ struct ZRLocaleInformation {
 // Any thread.
 const ZRLocaleInformation<ZRBasicString>& LocaleInformationWide();
 const ZRLocaleInformation<ZRBasicString8>& LocaleInformation();
+// What the operating system tells, whichever language is in force: for what other programs read. Any thread.
+const ZRLocaleInformation<ZRBasicString>& SystemLocaleInformationWide();
 
 namespace zr {
 

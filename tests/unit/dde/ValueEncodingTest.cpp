@@ -1,6 +1,8 @@
 // The bytes of both forms, there and back.
 #include "dde/ValueEncoding.h"
 
+#include "siblings/tools/ZRLocaleInformation.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -66,6 +68,16 @@ TEST(ValueEncodingTest, LocalTextHasTheDecimalsOfTheVariable)
     EXPECT_EQ(NumberText(5.25, 0, true).Length(), 3u);
     EXPECT_EQ(NumberText(5.25, 4, true).Length(), 8u);  // the decimal mark is the user's
     EXPECT_EQ(EncodeText(5.25, 4, true).size(), 8u);
+}
+
+TEST(ValueEncodingTest, LocalTextIsTheSystemsWhateverTheLanguageOfTheWindows)
+{
+    const ZRBasicString before = NumberText(1234.5, 1, true);
+    for (const char* language : {"en", "de", "es"}) {
+        ASSERT_TRUE(SetLocaleInformation(language));
+        EXPECT_EQ(NumberText(1234.5, 1, true), before) << language;
+    }
+    SetLocaleInformation("");
 }
 
 TEST(ValueEncodingTest, DecodingATableRefusesWhatIsNone)

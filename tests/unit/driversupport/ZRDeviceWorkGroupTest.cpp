@@ -273,7 +273,7 @@ TEST_F(ZRDeviceWorkGroupTest, TellsADeviceThatOnlySendsDamageFromASilentOne)
         reply[3] = static_cast<std::uint8_t>(reply[3] + (isBroken ? 1 : 0));
         self.Send(reply);
     });
-    Configure(device, "20");
+    Configure(device, "250");
     EchoDriver driver(u"BROKEN", 1, 1ms);
     ZRDeviceWorkGroup group(u"NET");
     group.Add(&driver);

@@ -5,6 +5,9 @@
 #include "support/Environment.h"
 #include "support/ManualClock.h"
 #include "support/TempFolder.h"
+#ifdef _WIN32
+#include "unit/platform/RegistryRedirection.h"
+#endif
 
 #include <gtest/gtest.h>
 #include <chrono>
@@ -113,6 +116,9 @@ protected:
 
     zr::test::TempFolder folder;
     zr::test::Environment config{"XDG_CONFIG_HOME", folder.Path().string()};
+#ifdef _WIN32
+    zr::test::RegistryRedirection registry;
+#endif
     zr::test::ManualClock clock;
     ZRKestrixSetup setup;
     LoggerWindow window{*this, kMonday};

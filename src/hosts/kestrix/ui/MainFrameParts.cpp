@@ -8,9 +8,11 @@
 #include "platform/ui/Images.h"
 #include "siblings/tools/ZRLocaleInformation.h"
 
+#include <QApplication>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QMenuBar>
 #include <QScrollArea>
@@ -254,8 +256,19 @@ bool MainFrame::UseLanguage(const std::string& language)
     }
     SetLocaleInformation(language);
     m_settings.language = language;
+    LoadQtTexts();
     Translate();
     return true;
+}
+
+void MainFrame::LoadQtTexts()
+{
+    const std::string language = m_settings.language.empty() ? SystemLanguage() : m_settings.language;
+    QApplication::removeTranslator(&m_qtTexts);
+    if (m_qtTexts.load(QStringLiteral("qtbase_") + QString::fromStdString(language),
+                       QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QApplication::installTranslator(&m_qtTexts);
+    }
 }
 
 void MainFrame::Translate()

@@ -59,12 +59,17 @@ void BarSlots::SetEnableSelection(bool present, bool highMark, bool lowMark)
     m_enableSelection = {present, highMark, lowMark};
 }
 
+bool BarSlots::IsSelectable(int slot) const
+{
+    return IsSlot(slot) && (*this)[slot].locked && m_enableSelection[static_cast<std::size_t>(slot)];
+}
+
 bool BarSlots::Select(int slot, bool selected)
 {
     if (!IsSlot(slot) || !(*this)[slot].locked) {
         return false;
     }
-    const bool isSelected = selected && m_enableSelection[static_cast<std::size_t>(slot)];
+    const bool isSelected = selected && IsSelectable(slot);
     if (isSelected == (*this)[slot].selected) {
         return false;
     }

@@ -56,6 +56,8 @@ public:
     void SetLocked(int slot, bool locked);
 
     void SetEnableSelection(bool present, bool highMark, bool lowMark);
+    // Whether a click or a key may select the slot: it is enabled and locked.
+    [[nodiscard]] bool IsSelectable(int slot) const;
     // Whether the selection changed: the window is then invalidated with erasing. Nothing unless the slot is locked.
     bool Select(int slot, bool selected);
     [[nodiscard]] bool Selected(int slot) const;

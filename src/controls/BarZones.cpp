@@ -8,15 +8,16 @@ namespace zr::controls {
 namespace {
 
 // Half the width of the soft edge at a single limit, which stands so far from the green zone's other end and has so
-// much room on its outer side; 0 where a hard edge must do.
-int SoftEdgeOfOne(int distance, int room)
+// much room on its outer side; 0 where a hard edge must do. Both in pixels, with their fractions where places have
+// some.
+int SoftEdgeOfOne(double distance, double room)
 {
     const int reach = ToPixel(distance * 0.05 + 2);
     return 2 * reach < distance * 0.5 && room > reach ? reach : 0;
 }
 
 // Of the soft edges at a warning and an alarm limit so far apart.
-int SoftEdgeOfTwo(int distance, int room)
+int SoftEdgeOfTwo(double distance, double room)
 {
     const int reach = ToPixel(distance * 0.1 + 2);
     return distance > 2 * reach && room > reach ? reach : 0;
@@ -30,7 +31,8 @@ void AddBlend(std::vector<BarStretch>& stretches, int place, int reach, Rgb firs
 }
 
 // What follows is the scale's own way, up or down: a zone between two places in any order, a soft edge between the
-// colour before it and the one after it.
+// colour before it and the one after it. The width of a soft edge comes from the places as they are; only what is
+// painted is truncated to pixels.
 class Outwards {
 public:
     Outwards(std::vector<BarStretch>& stretches, int step) : m_stretches(stretches), m_step(step) {}
@@ -45,22 +47,25 @@ public:
     }
 
     // Green from start to the limit, red from there to end.
-    void ZonesOfOne(int start, int limit, int end, const BarColours& colours)
+    void ZonesOfOne(double start, double limit, double end, const BarColours& colours)
     {
         const int reach = SoftEdgeOfOne(m_step * (limit - start), m_step * (end - limit));
-        Zone(start, limit - m_step * reach, colours.green);
-        Zone(limit + m_step * reach, end, colours.red);
-        Edge(limit, reach, colours.green, colours.red);
+        const int place = ToPixel(limit);
+        Zone(ToPixel(start), place - m_step * reach, colours.green);
+        Zone(place + m_step * reach, ToPixel(end), colours.red);
+        Edge(place, reach, colours.green, colours.red);
     }
     // Green, yellow and red.
-    void ZonesOfTwo(int start, int warning, int alarm, int end, const BarColours& colours)
+    void ZonesOfTwo(double start, double warning, double alarm, double end, const BarColours& colours)
     {
         const int reach = SoftEdgeOfTwo(m_step * (alarm - warning), m_step * (end - alarm));
-        Zone(start, warning - m_step * reach, colours.green);
-        Zone(warning + m_step * reach, alarm - m_step * reach, colours.yellow);
-        Zone(alarm + m_step * reach, end, colours.red);
-        Edge(warning, reach, colours.green, colours.yellow);
-        Edge(alarm, reach, colours.yellow, colours.red);
+        const int first = ToPixel(warning);
+        const int second = ToPixel(alarm);
+        Zone(ToPixel(start), first - m_step * reach, colours.green);
+        Zone(first + m_step * reach, second - m_step * reach, colours.yellow);
+        Zone(second + m_step * reach, ToPixel(end), colours.red);
+        Edge(first, reach, colours.green, colours.yellow);
+        Edge(second, reach, colours.yellow, colours.red);
     }
 
 private:
@@ -112,21 +117,19 @@ void AddPowerFactorZones(std::vector<BarStretch>& stretches, int left, int right
     const double lowWarning = PowerFactorPosition(limits.lowWarning, left, right);
     const double highWarning = PowerFactorPosition(limits.highWarning, left, right);
     const double centre = lowWarning + (highWarning - lowWarning) * 0.5;
-    const int lowAlarm = ToPixel(PowerFactorPosition(limits.lowAlarm, left, right));
-    const int highAlarm = ToPixel(PowerFactorPosition(limits.highAlarm, left, right));
 
     // The left half reaches one pixel into the right one.
     Outwards leftHalf(stretches, -1);
     if (limits.lowWarning == limits.lowAlarm) {
-        leftHalf.ZonesOfOne(ToPixel(centre + 1), ToPixel(lowWarning), left, colours);
+        leftHalf.ZonesOfOne(centre + 1, lowWarning, left, colours);
     } else {
-        leftHalf.ZonesOfTwo(ToPixel(centre + 1), ToPixel(lowWarning), lowAlarm, left, colours);
+        leftHalf.ZonesOfTwo(centre + 1, lowWarning, PowerFactorPosition(limits.lowAlarm, left, right), left, colours);
     }
     Outwards rightHalf(stretches, 1);
     if (limits.highWarning == limits.highAlarm) {
-        rightHalf.ZonesOfOne(ToPixel(centre), ToPixel(highWarning), right, colours);
+        rightHalf.ZonesOfOne(centre, highWarning, right, colours);
     } else {
-        rightHalf.ZonesOfTwo(ToPixel(centre), ToPixel(highWarning), highAlarm, right, colours);
+        rightHalf.ZonesOfTwo(centre, highWarning, PowerFactorPosition(limits.highAlarm, left, right), right, colours);
     }
 }
 

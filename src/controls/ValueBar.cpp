@@ -26,6 +26,7 @@ void ValueBar::SetupBar(int barHeight, int fontSize)
 {
     m_barHeight = std::max(barHeight, kLeastBarHeight);
     m_fontSize = std::max(fontSize, kLeastFontSize);
+    m_colours = {};
 }
 
 void ValueBar::FontsChanged(const TextMeasure& measure)

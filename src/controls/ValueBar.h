@@ -29,7 +29,7 @@ struct BarPaint {
 // Compose (of the derived classes) again and again. UI thread only.
 class ValueBar {
 public:
-    // Heights in pixels and in tenths of a point, raised to at least 10 and 90.
+    // Heights in pixels and in tenths of a point, raised to at least 10 and 90. The zones take their usual colours.
     void SetupBar(int barHeight, int fontSize);
     [[nodiscard]] int BarHeight() const { return m_barHeight; }
     [[nodiscard]] int FontSize() const { return m_fontSize; }

@@ -27,7 +27,7 @@ public:
     void SetupLimits(const ZRBasicString& units, double lowWarning, double lowAlarm, double highWarning,
                      double highAlarm, int lowWarningDecimals, int lowAlarmDecimals, int highWarningDecimals,
                      int highAlarmDecimals);
-    // Greys the zones, for a device out of use. Numbers and markers stay.
+    // Greys the zones until the next SetupBar, for a device out of use. Numbers and markers stay.
     void Disable();
 
     // Whether the window must be invalidated, without erasing.

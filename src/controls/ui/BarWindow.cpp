@@ -47,7 +47,6 @@ void BarWindow::SetLabel(const wchar* label)
 
 void BarWindow::SetEnableSelection(bool present, bool highMark, bool lowMark)
 {
-    m_enableSelection = {present, highMark, lowMark};
     Bar().Slots().SetEnableSelection(present, highMark, lowMark);
     setFocusPolicy(present || highMark || lowMark ? Qt::StrongFocus : Qt::NoFocus);
 }
@@ -164,7 +163,8 @@ void BarWindow::mousePressEvent(QMouseEvent* event)
 
 void BarWindow::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton) {
+    // A number may hang over the window's end, where a release counts for nothing.
+    if (event->button() != Qt::LeftButton || !rect().contains(event->position().toPoint())) {
         event->ignore();
         return;
     }
@@ -178,16 +178,11 @@ void BarWindow::mouseMoveEvent(QMouseEvent* event)
     OnSetCursor({point.x(), point.y()});
 }
 
-bool BarWindow::IsSelectable(int slot) const
-{
-    return m_enableSelection.at(static_cast<std::size_t>(slot)) && Variable(slot).IsLocked();
-}
-
 void BarWindow::MoveFocus(int step)
 {
     for (int moved = 1; moved < kBarSlots; ++moved) {
         const int slot = (m_focusSlot + step * moved + kBarSlots * moved) % kBarSlots;
-        if (IsSelectable(slot)) {
+        if (Bar().Slots().IsSelectable(slot)) {
             m_focusSlot = slot;
             Invalidate();
             return;

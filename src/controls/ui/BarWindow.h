@@ -67,13 +67,11 @@ protected:
 
 private:
     [[nodiscard]] BarPaint PreparePaint() const;
-    [[nodiscard]] bool IsSelectable(int slot) const;
     // From the slot in the focus, 1 or -1 in the order of the slots; stays where no other can be selected.
     void MoveFocus(int step);
     void ToggleFocused(bool isShift);
 
     std::array<ZRDriverVariable, kBarSlots> m_variables;
-    std::array<bool, kBarSlots> m_enableSelection = {true, true, true};
     CFont m_valueFont;
     CFont m_labelFont;
     ControlFonts m_fonts;

@@ -24,7 +24,7 @@ public:
                      int highAlarmDecimals);
     // A present value from outside, in units of the stored value, until the next Update.
     void SetInstValue(double value);
-    // Greys the zones, for a device out of use; numbers and markers stay.
+    // Greys the zones until the next SetupBar, for a device out of use; numbers and markers stay.
     void Disable();
 
     [[nodiscard]] QSize sizeHint() const override { return {160, IdealHeight()}; }

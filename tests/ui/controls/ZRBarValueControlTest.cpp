@@ -185,6 +185,20 @@ TEST_F(ZRBarValueControlTest, SelectsNothingBesideTheNumbersOrWhereItIsDisabled)
     EXPECT_FALSE(bar.Selected(1));
 }
 
+TEST_F(ZRBarValueControlTest, TakesNoOtherButtonAndNoReleaseOutside)
+{
+    bar.SetupChecks(0, 0, 0, 0, 0, 230);
+    Read(1000, 240, 220);  // far right of the window, as is its number
+    WindowPicture(bar, 1);
+    const Rect present = bar.Bar().Slots()[0].textRect;
+    ASSERT_GT(present.left, bar.width());
+    QTest::mousePress(&bar, Qt::LeftButton, {}, QPoint(300, 30));
+    QTest::mouseRelease(&bar, Qt::LeftButton, {}, QPoint(present.left + 2, present.top + 2));
+    const Rect high = bar.Bar().Slots()[1].textRect;
+    QTest::mouseClick(&bar, Qt::RightButton, {}, QPoint(high.left + 2, high.top + 2));
+    EXPECT_EQ(Selection(), (std::vector<bool>{false, false, false}));
+}
+
 TEST_F(ZRBarValueControlTest, ShowsTheHandOverSelectableNumbersAndTheArrowElsewhere)
 {
     Read(230, 240, 220);

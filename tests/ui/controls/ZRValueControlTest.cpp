@@ -164,6 +164,33 @@ TEST_F(ZRValueControlTest, RepaintsOnlyWhenTheValueHasChanged)
     EXPECT_EQ(control.paints, before + 1);
 }
 
+TEST_F(ZRValueControlTest, RepaintsTheFirstReadingEvenIfItIsTheStartingMark)
+{
+    Show();
+    zr::test::Settle();
+    const int before = control.paints;
+    Read(4294967295.0);
+    zr::test::Settle();
+    EXPECT_EQ(control.paints, before + 1);
+}
+
+TEST_F(ZRValueControlTest, StoresItsFlagsAndLimitsWithoutARepaint)
+{
+    Show();
+    Read(230.0);
+    zr::test::Settle();
+    const int before = control.paints;
+    control.SetDigital(true);
+    control.SetEnableSelection(false);
+    control.SetupChecks(2, 0, 0, 100, 200, 230);
+    zr::test::Settle();
+    EXPECT_EQ(control.paints, before);
+    EXPECT_EQ(control.Reading().State(), zr::controls::ValueState::Normal);
+    control.Select(false);
+    zr::test::Settle();
+    EXPECT_EQ(control.paints, before + 1);
+}
+
 TEST_F(ZRValueControlTest, LeavesAValueThatTurnsInvalidOnTheScreenUntilTheNextPaint)
 {
     Show();

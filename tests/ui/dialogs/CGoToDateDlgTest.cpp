@@ -264,6 +264,17 @@ TEST_F(CGoToDateDlgTest, PicksNothingAfter2133)
     EXPECT_FALSE(Calendar(dialog).SetCurSel({2134, 1, 1}));
 }
 
+TEST_F(CGoToDateDlgTest, StaysInItsRangeForADateBehindIt)
+{
+    constexpr double k1March2135 = 85893.0;
+    CGoToDateDlg dialog(nullptr);
+    dialog.SetDate(k1March2135);
+    EXPECT_EQ(dialog.GetDate(), Date(2135, 3, 1));
+    EXPECT_EQ(ClickOk(dialog), kOk);
+    EXPECT_TRUE(dialog.GetDate().IsValid());
+    EXPECT_LT(dialog.GetDate(), Date(2134, 1, 1));
+}
+
 TEST_F(CGoToDateDlgTest, IsACalendarOfTheUsersLanguage)
 {
     const struct {

@@ -39,8 +39,8 @@ double Luminance(const QColor& colour)
     const auto linear = [](double part) {
         return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
     };
-    return 0.2126 * linear(double{colour.redF()}) + 0.7152 * linear(double{colour.greenF()}) +
-           0.0722 * linear(double{colour.blueF()});
+    return 0.2126 * linear(static_cast<double>(colour.redF())) + 0.7152 * linear(static_cast<double>(colour.greenF())) +
+           0.0722 * linear(static_cast<double>(colour.blueF()));
 }
 
 double Contrast(const QColor& first, const QColor& second)

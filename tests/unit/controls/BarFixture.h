@@ -1,6 +1,7 @@
 // A bar under test with readings, a client and texts that are easy to measure by hand.
 #pragma once
 
+#include "controls/BarScale.h"
 #include "controls/TextOn.h"
 #include "controls/ValueBar.h"
 
@@ -115,6 +116,11 @@ protected:
         Read(Valid(value));
         Compose();
         return bar.MarkerOf(kPresentSlot);
+    }
+    BarPlaces Markers()
+    {
+        Compose();
+        return {bar.MarkerOf(0), bar.MarkerOf(1), bar.MarkerOf(2)};
     }
     [[nodiscard]] Rect TextRect(int slot) const { return bar.Slots()[slot].textRect; }
     // Along the middle of the bar's picture.

@@ -206,6 +206,20 @@ TEST_F(BarSlotsTest, SelectsNoSlotWhoseSelectionIsDisabled)
     EXPECT_TRUE(slots.Select(2, true));
 }
 
+TEST_F(BarSlotsTest, TellsWhatMayBeSelected)
+{
+    Update(Valid(1.0), kUnlocked, kInvalid);
+    slots.SetEnableSelection(true, true, true);
+    EXPECT_TRUE(slots.IsSelectable(0));
+    EXPECT_FALSE(slots.IsSelectable(1));
+    EXPECT_TRUE(slots.IsSelectable(2));
+    slots.SetEnableSelection(false, true, true);
+    EXPECT_FALSE(slots.IsSelectable(0));
+    for (const int slot : {-1, 3}) {
+        EXPECT_FALSE(slots.IsSelectable(slot));
+    }
+}
+
 TEST_F(BarSlotsTest, UnselectsASlotWhoseSelectionWasDisabledSince)
 {
     LockAndPlace();

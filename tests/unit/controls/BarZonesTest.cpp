@@ -160,6 +160,21 @@ TEST(PowerFactorZones, HaveNoYellowForASingleLimit)
                          Flat(242, 278, kGreen), Soft(278, 286, kGreen, kRed), Flat(286, 442, kRed)}));
 }
 
+TEST(PowerFactorZones, TakeTheirSoftEdgesFromPlacesThatArentTruncated)
+{
+    // 0.7 at 132.30 and 0.55 at 112.95 are 19.35 apart: 3 to each side, where 132 and 112 would give 4. Likewise 210.99
+    // and 230.34 on the right.
+    EXPECT_EQ(PowerFactorZones(42, 300, 0.7, 0.55, -0.69, -0.54),
+              (Stretches{Flat(42, 109, kRed), Soft(109, 115, kRed, kYellow), Flat(115, 129, kYellow),
+                         Soft(129, 135, kYellow, kGreen), Flat(135, 172, kGreen), Flat(171, 207, kGreen),
+                         Soft(207, 213, kGreen, kYellow), Flat(213, 227, kYellow), Soft(227, 233, kYellow, kRed),
+                         Flat(233, 300, kRed)}));
+    // 92.90 is 79.15 from the middle and one at 172.05: 5 to each side, where 92 and 172 would give 6.
+    EXPECT_EQ(PowerFactorZones(42, 300, 0.3946, 0.3946, -0.3938, -0.3938),
+              (Stretches{Flat(42, 87, kRed), Soft(87, 97, kRed, kGreen), Flat(97, 172, kGreen), Flat(171, 244, kGreen),
+                         Soft(244, 254, kGreen, kRed), Flat(254, 300, kRed)}));
+}
+
 TEST(PowerFactorZones, MayHaveOneLimitOnOneSideOnly)
 {
     EXPECT_EQ(PowerFactorZones(42, 442, 0.8, 0.8, -0.8, -0.7).size(), 3u + 5u);

@@ -1,0 +1,289 @@
+#include "siblings/driversupport/BlockCodec.h"
+
+#include <array>
+#include <bit>
+#include <cmath>
+#include <limits>
+
+namespace zr {
+
+namespace {
+
+constexpr std::uint8_t kBits = 0xFF;  // in place of the decimals: values as bits
+constexpr int kMaxDecimalPlaces = 15;
+constexpr double kMaxWhole = 9007199254740992.0;  // 2^53
+constexpr std::array<double, kMaxDecimalPlaces + 1> kPowers = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+// Differences wrap, so that any two numbers have one.
+std::uint64_t Unsigned(std::int64_t value)
+{
+    return static_cast<std::uint64_t>(value);
+}
+
+std::uint64_t ZigZag(std::uint64_t difference)
+{
+    return (difference << 1) ^ (0 - (difference >> 63));
+}
+
+std::uint64_t FromZigZag(std::uint64_t code)
+{
+    return (code >> 1) ^ (0 - (code & 1));
+}
+
+class Writer {
+public:
+    void Byte(std::uint8_t byte) { m_bytes.push_back(byte); }
+    void Number(std::uint64_t number)
+    {
+        for (; number >= 0x80; number >>= 7) {
+            Byte(static_cast<std::uint8_t>(number | 0x80));
+        }
+        Byte(static_cast<std::uint8_t>(number));
+    }
+    // Zeros are counted and written as one; call EndZeros() behind the last.
+    void Code(std::uint64_t code)
+    {
+        if (code == 0) {
+            ++m_zeros;
+            return;
+        }
+        EndZeros();
+        Number(code);
+    }
+    void EndZeros()
+    {
+        if (m_zeros > 0) {
+            Number(0);
+            Number(m_zeros - 1);
+            m_zeros = 0;
+        }
+    }
+    std::vector<std::uint8_t> Take() { return std::move(m_bytes); }
+
+private:
+    std::vector<std::uint8_t> m_bytes;
+    std::uint64_t m_zeros = 0;
+};
+
+class Reader {
+public:
+    explicit Reader(std::span<const std::uint8_t> bytes) : m_bytes(bytes) {}
+
+    [[nodiscard]] bool IsGood() const { return m_isGood; }
+    [[nodiscard]] bool IsAtEnd() const { return m_bytes.empty(); }
+
+    std::uint8_t Byte()
+    {
+        if (m_bytes.empty()) {
+            m_isGood = false;
+            return 0;
+        }
+        const std::uint8_t byte = m_bytes.front();
+        m_bytes = m_bytes.subspan(1);
+        return byte;
+    }
+    std::uint64_t Number()
+    {
+        std::uint64_t number = 0;
+        for (int shift = 0; shift < 64; shift += 7) {
+            const std::uint8_t byte = Byte();
+            number |= std::uint64_t{byte & 0x7Fu} << shift;
+            if (byte < 0x80) {
+                m_isGood = m_isGood && (shift < 63 || byte < 2);
+                return number;
+            }
+        }
+        m_isGood = false;
+        return 0;
+    }
+    std::uint64_t Code()
+    {
+        if (m_zeros > 0) {
+            --m_zeros;
+            return 0;
+        }
+        const std::uint64_t code = Number();
+        if (code == 0) {
+            m_zeros = Number();
+        }
+        return code;
+    }
+    // Zeros that are left over belong to no sample.
+    void EndZeros() { m_isGood = m_isGood && m_zeros == 0; }
+
+private:
+    std::span<const std::uint8_t> m_bytes;
+    std::uint64_t m_zeros = 0;
+    bool m_isGood = true;
+};
+
+// The whole number that stands for a value at so many decimals; false when the value doesn't come back from it.
+bool ToWhole(double value, int decimals, std::int64_t& whole)
+{
+    const double power = kPowers[static_cast<std::size_t>(decimals)];
+    const double scaled = std::nearbyint(value * power);
+    if (!(std::fabs(scaled) <= kMaxWhole)) {
+        return false;
+    }
+    whole = static_cast<std::int64_t>(scaled);
+    return std::bit_cast<std::uint64_t>(static_cast<double>(whole) / power) == std::bit_cast<std::uint64_t>(value);
+}
+
+// The fewest decimals at which every value is a whole number; -1 when there are none.
+int DecimalsOf(std::span<const double> values)
+{
+    int decimals = 0;
+    std::int64_t whole = 0;
+    std::size_t tested = 0;  // in a row, at these decimals
+    for (std::size_t i = 0; tested < values.size(); i = (i + 1) % values.size()) {
+        if (ToWhole(values[i], decimals, whole)) {
+            ++tested;
+            continue;
+        }
+        do {
+            if (++decimals > kMaxDecimalPlaces) {
+                return -1;
+            }
+        } while (!ToWhole(values[i], decimals, whole));
+        tested = 1;
+    }
+    return decimals;
+}
+
+void WriteTimes(Writer& writer, std::span<const std::int64_t> times)
+{
+    std::uint64_t time = 0;
+    std::uint64_t step = 0;
+    for (const std::int64_t next : times) {
+        const std::uint64_t nextStep = Unsigned(next) - time;
+        writer.Code(ZigZag(nextStep - step));
+        time = Unsigned(next);
+        step = nextStep;
+    }
+    writer.EndZeros();
+}
+
+void WriteDecimals(Writer& writer, std::span<const double> values, int decimals)
+{
+    std::uint64_t before = 0;
+    for (const double value : values) {
+        std::int64_t whole = 0;
+        ToWhole(value, decimals, whole);
+        writer.Code(ZigZag(Unsigned(whole) - before));
+        before = Unsigned(whole);
+    }
+    writer.EndZeros();
+}
+
+// What differs from the bits before, without the zero bytes at its low end.
+void WriteBits(Writer& writer, std::span<const double> values)
+{
+    std::uint64_t before = 0;
+    for (const double value : values) {
+        const auto bits = std::bit_cast<std::uint64_t>(value);
+        const std::uint64_t difference = bits ^ before;
+        before = bits;
+        const int low = difference == 0 ? 8 : std::countr_zero(difference) / 8;
+        const int high = std::countl_zero(difference) / 8;
+        const int length = difference == 0 ? 0 : 8 - low - high;
+        writer.Byte(static_cast<std::uint8_t>(length * 16 + low));
+        for (int i = 0; i < length; ++i) {
+            writer.Byte(static_cast<std::uint8_t>(difference >> (8 * (low + i))));
+        }
+    }
+}
+
+bool ReadTimes(Reader& reader, std::vector<std::int64_t>& times)
+{
+    std::uint64_t time = 0;
+    std::uint64_t step = 0;
+    for (std::int64_t& next : times) {
+        step += FromZigZag(reader.Code());
+        time += step;
+        next = static_cast<std::int64_t>(time);
+        if (!reader.IsGood()) {
+            return false;
+        }
+    }
+    reader.EndZeros();
+    return reader.IsGood();
+}
+
+bool ReadDecimals(Reader& reader, std::vector<double>& values, int decimals)
+{
+    const double power = kPowers[static_cast<std::size_t>(decimals)];
+    std::uint64_t whole = 0;
+    for (double& value : values) {
+        whole += FromZigZag(reader.Code());
+        value = static_cast<double>(static_cast<std::int64_t>(whole)) / power;
+        if (!reader.IsGood()) {
+            return false;
+        }
+    }
+    reader.EndZeros();
+    return reader.IsGood();
+}
+
+bool ReadBits(Reader& reader, std::vector<double>& values)
+{
+    std::uint64_t bits = 0;
+    for (double& value : values) {
+        const std::uint8_t shape = reader.Byte();
+        const int length = shape / 16;
+        const int low = shape % 16;
+        if (length + low > 8 || (length == 0 && low != 8)) {
+            return false;
+        }
+        for (int i = 0; i < length; ++i) {
+            bits ^= std::uint64_t{reader.Byte()} << (8 * (low + i));
+        }
+        value = std::bit_cast<double>(bits);
+        if (!reader.IsGood()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> EncodeBlock(std::span<const std::int64_t> times, std::span<const double> values)
+{
+    Writer writer;
+    writer.Byte(kBlockCodec);
+    writer.Number(times.size());
+    WriteTimes(writer, times);
+    const int decimals = DecimalsOf(values);
+    if (decimals >= 0) {
+        writer.Byte(static_cast<std::uint8_t>(decimals));
+        WriteDecimals(writer, values, decimals);
+    } else {
+        writer.Byte(kBits);
+        WriteBits(writer, values);
+    }
+    return writer.Take();
+}
+
+bool DecodeBlock(std::span<const std::uint8_t> bytes, std::vector<std::int64_t>& times, std::vector<double>& values)
+{
+    Reader reader(bytes);
+    const bool isOurs = reader.Byte() == kBlockCodec;
+    const std::uint64_t count = reader.Number();
+    if (!isOurs || !reader.IsGood() || count > kMaxBlockSamples) {
+        return false;
+    }
+    times.resize(static_cast<std::size_t>(count));
+    values.resize(static_cast<std::size_t>(count));
+    if (!ReadTimes(reader, times)) {
+        return false;
+    }
+    const std::uint8_t decimals = reader.Byte();
+    if (decimals != kBits && decimals > kMaxDecimalPlaces) {
+        return false;
+    }
+    const bool isRead = decimals == kBits ? ReadBits(reader, values) : ReadDecimals(reader, values, decimals);
+    return isRead && reader.IsGood() && reader.IsAtEnd();
+}
+
+}  // namespace zr

@@ -1,0 +1,85 @@
+// The records of a logged data set, read for a range of time and grouped at sample periods.
+#pragma once
+
+#include "siblings/driversupport/LoggerStore.h"
+#include "siblings/driversupport/RecordArena.h"
+#include "siblings/driversupport/ZRLoggerInfo.h"
+#include "siblings/tools/Progress.h"
+#include "siblings/tools/TimeZone.h"
+#include "siblings/tools/ZRDateTime.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <utility>
+#include <vector>
+
+// Reads from the store in force (zr::SetLoggerStore); times are local to the plant (zr::PlantZone).
+//
+// Setup once, right after construction. Then SelectData for a range, and RecordGroup for each period. A loader thread
+// and the thread of the viewers may use it in turn, never at once. Where a store fails, or is not there, groups are
+// empty.
+class ZRLoggerData {
+public:
+    // The records of the range at one sample period. Valid until the next SelectData.
+    class CRecordGroup {
+    public:
+        using iterator = zr::RecordIterator;
+
+        // Restricts the selection to a range of local time: with flag set `to` is exclusive, as everybody asks for,
+        // without it inclusive. Nothing is selected where one of them is no date.
+        void SelectData(const ZRDateTime& from, const ZRDateTime& to, bool flag);
+
+        // Read directly.
+        iterator first;  // the first selected record
+        iterator last;   // one past the last
+        int count = 0;   // of the selected ones
+
+    private:
+        friend class ZRLoggerData;
+        CRecordGroup(zr::RecordArena arena, const zr::TimeZone& zone);
+        void Select(std::size_t firstIndex, std::size_t lastIndex);
+
+        zr::RecordArena m_arena;
+        const zr::TimeZone& m_zone;  // of the data that this is a group of
+    };
+
+    ZRLoggerData();
+    ZRLoggerData(const ZRLoggerData&) = delete;
+    ZRLoggerData& operator=(const ZRLoggerData&) = delete;
+
+    // The variables, as given to Setup. Read directly.
+    ZRLoggerInfo loggerInfo;
+
+    // The virtual operations stand in the order of their slots.
+    virtual ~ZRLoggerData();
+    // Which variables there are. Takes a copy.
+    virtual void Setup(const ZRLoggerInfo& info);
+    // Gets ready to read a range; false when there is no store to read. SelectData calls it.
+    virtual bool Load(const ZRDateTime& from, const ZRDateTime& to, zr::Progress* progress);
+
+    // Takes a range of local time, `to` exclusive, and drops all groups. False, with nothing to read, when there is no
+    // store or the range is empty. Progress may be null.
+    bool SelectData(const ZRDateTime& from, const ZRDateTime& to, zr::Progress* progress);
+    // The records of the range at a period: as recorded for 0, else one a period with the time at which it begins (see
+    // PeriodCuts and SampleGrouper); periods without a value of any variable have none. Read on the first call, later
+    // ones give the same group with its selection. Progress may be null.
+    CRecordGroup& RecordGroup(const ZRDateTimeSpan& period, zr::Progress* progress);
+
+private:
+    struct Column {
+        ZRBasicString variable;     // plain reference; empty for one that has no records of its own
+        std::int32_t infoCode = 0;  // 0: not known from the device
+    };
+
+    [[nodiscard]] zr::RecordArena BuildRecorded(zr::Progress* progress);
+    [[nodiscard]] zr::RecordArena BuildGrouped(std::int32_t period, zr::Progress* progress);
+    void WriteTimes(zr::RecordArena& arena) const;
+
+    std::vector<Column> m_columns;
+    std::unique_ptr<zr::LoggerReader> m_reader;  // null: nothing to read
+    zr::TimeZone m_zone;                         // while the range holds
+    std::int64_t m_from = 0;                     // UTC, microseconds since 1970
+    std::int64_t m_to = 0;                       // Exclusive.
+    std::map<std::pair<std::int32_t, std::uint32_t>, std::unique_ptr<CRecordGroup>> m_groups;  // by period
+};

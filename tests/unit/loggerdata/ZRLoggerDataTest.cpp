@@ -1,0 +1,408 @@
+#include "siblings/driversupport/ZRLoggerData.h"
+
+#include "siblings/driversupport/MemoryLoggerStore.h"
+
+#include <gtest/gtest.h>
+#include <algorithm>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+namespace zr {
+namespace {
+
+static_assert(std::has_virtual_destructor_v<ZRLoggerData>);
+
+constexpr std::int64_t kMicros = 1000000;
+constexpr std::int64_t kEpoch = 946684800;
+constexpr ZRDateTimeSpan kRecorded(0, 0);
+constexpr ZRDateTimeSpan kQuarter(900, 0);
+constexpr ZRDateTimeSpan kHour(3600, 0);
+constexpr ZRDateTimeSpan kDay(86400, 0);
+constexpr ZRDateTimeSpan kMonth(2678400, 0);
+
+ZRDateTime Date(int day, int month, int year, int hour = 0, int minute = 0)
+{
+    ZRDateTime date;
+    date.SetDateTime(year, month, day, hour, minute, 0, 0, 0);
+    return date;
+}
+
+// Of a date in UTC.
+std::int64_t Micros(const ZRDateTime& utc)
+{
+    return (kEpoch + utc.seconds) * kMicros + utc.microseconds;
+}
+
+TimeZone Paris()
+{
+    return {3600, {{Micros(Date(31, 3, 2002, 1)) / kMicros, 7200}, {Micros(Date(27, 10, 2002, 1)) / kMicros, 3600}}};
+}
+
+class Meter final : public ZRDeviceDriver {
+public:
+    Meter()
+    {
+        std::vector<VariableDescription> variables(2);
+        variables[0].name = u"E";
+        variables[0].variableClass = VariableClass::Counter;
+        variables[1].name = u"U";
+        SetVariables(std::make_shared<VariableTable>(variables));
+        SetName(u"M");
+    }
+};
+
+class CountingProgress final : public Progress {
+public:
+    void SetText(const wchar*) override {}
+    void SetPos(int percent) override { positions.push_back(percent); }
+    [[nodiscard]] bool IsCancelled() const override { return positions.size() >= cancelAfter; }
+
+    std::vector<int> positions;
+    std::size_t cancelAfter = std::numeric_limits<std::size_t>::max();
+};
+
+class ZRLoggerDataTest : public testing::Test {
+protected:
+    ZRLoggerDataTest()
+    {
+        SetLoggerStore(&store);
+        SetPlantZone(TimeZone());
+    }
+    ~ZRLoggerDataTest() override
+    {
+        SetLoggerStore(nullptr);
+        SetPlantZone(TimeZone::System());
+    }
+
+    void SetVariables(const std::vector<const wchar*>& names)
+    {
+        ZRLoggerInfo info;
+        for (const wchar* name : names) {
+            info.AddVariable(name);
+        }
+        data.Setup(info);
+    }
+
+    void Record(const wchar* variable, VariableClass variableClass, const ZRDateTime& utc, double value)
+    {
+        const int series = store.OpenSeries(variable, static_cast<std::int32_t>(variableClass));
+        const std::vector<LoggerAppend> batch = {{series, Micros(utc), value}};
+        ASSERT_TRUE(store.Append(batch));
+    }
+
+    // A value a minute, counted from 0.
+    void RecordMinutes(const wchar* variable, VariableClass variableClass, const ZRDateTime& utc, int count)
+    {
+        const int series = store.OpenSeries(variable, static_cast<std::int32_t>(variableClass));
+        std::vector<LoggerAppend> batch;
+        for (int i = 0; i < count; ++i) {
+            batch.push_back({series, Micros(utc) + i * 60 * kMicros, static_cast<double>(i)});
+        }
+        ASSERT_TRUE(store.Append(batch));
+    }
+
+    ZRLoggerData::CRecordGroup& Select(const ZRDateTime& from, const ZRDateTime& to, const ZRDateTimeSpan& period)
+    {
+        EXPECT_TRUE(data.SelectData(from, to, nullptr));
+        ZRLoggerData::CRecordGroup& group = data.RecordGroup(period, nullptr);
+        group.SelectData(from, to, true);
+        return group;
+    }
+
+    static std::vector<ZRDateTime> TimesOf(const ZRLoggerData::CRecordGroup& group)
+    {
+        std::vector<ZRDateTime> times;
+        for (auto record = group.first; record != group.last; ++record) {
+            times.push_back((*record)->time);
+        }
+        EXPECT_EQ(static_cast<std::size_t>(group.count), times.size());
+        return times;
+    }
+
+    // -1 for what isn't valid.
+    static std::vector<double> ValuesOf(const ZRLoggerData::CRecordGroup& group, std::size_t column)
+    {
+        std::vector<double> values;
+        for (auto record = group.first; record != group.last; ++record) {
+            const LoggedValue& value = (*record)->values[column];
+            values.push_back(value.valid != 0 ? value.value : -1.0);
+        }
+        return values;
+    }
+
+    static void ExpectEmpty(const ZRLoggerData::CRecordGroup& group)
+    {
+        EXPECT_EQ(group.count, 0);
+        EXPECT_EQ(group.first, group.last);
+    }
+
+    MemoryLoggerStore store;
+    ZRLoggerData data;
+};
+
+TEST_F(ZRLoggerDataTest, SetupKeepsTheListAsItWasGiven)
+{
+    const Meter meter;
+    SetVariables({u"M.E", u"M.GONE", u"M.U"});
+    ASSERT_EQ(data.loggerInfo.variables.size(), 3u);
+    EXPECT_EQ(data.loggerInfo.variables.front()->fullName, u"M.E");
+    EXPECT_FALSE(data.loggerInfo.variables.front()->IsLocked());
+}
+
+TEST_F(ZRLoggerDataTest, PeriodZeroGivesEveryRecordAsItStands)
+{
+    SetVariables({u"M.U", u"M.I"});
+    Record(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002, 8), 230.0);
+    Record(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002, 9), 231.0);
+    Record(u"M.I", VariableClass::Instantaneous, Date(1, 12, 2002, 9), 5.0);
+    Record(u"M.I", VariableClass::Instantaneous, Date(1, 12, 2002, 10), 6.0);
+    const auto& group = Select(Date(1, 12, 2002), Date(2, 12, 2002), kRecorded);
+    EXPECT_EQ(TimesOf(group), (std::vector{Date(1, 12, 2002, 8), Date(1, 12, 2002, 9), Date(1, 12, 2002, 10)}));
+    EXPECT_EQ(ValuesOf(group, 0), (std::vector{230.0, 231.0, -1.0}));
+    EXPECT_EQ(ValuesOf(group, 1), (std::vector{-1.0, 5.0, 6.0}));
+}
+
+TEST_F(ZRLoggerDataTest, TheRangeIncludesItsBeginAndNotItsEnd)
+{
+    SetVariables({u"M.U"});
+    for (const int day : {1, 2, 3}) {
+        Record(u"M.U", VariableClass::Instantaneous, Date(day, 12, 2002), day);
+    }
+    EXPECT_EQ(ValuesOf(Select(Date(1, 12, 2002), Date(3, 12, 2002), kRecorded), 0), (std::vector{1.0, 2.0}));
+}
+
+TEST_F(ZRLoggerDataTest, AGroupHasTheTimeAtWhichItsPeriodBegins)
+{
+    SetVariables({u"M.U"});
+    RecordMinutes(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002), 60);
+    const auto& group = Select(Date(1, 12, 2002), Date(2, 12, 2002), kQuarter);
+    EXPECT_EQ(TimesOf(group), (std::vector{Date(1, 12, 2002), Date(1, 12, 2002, 0, 15), Date(1, 12, 2002, 0, 30),
+                                           Date(1, 12, 2002, 0, 45)}));
+    EXPECT_EQ(ValuesOf(group, 0), (std::vector{7.0, 22.0, 37.0, 52.0}));
+}
+
+TEST_F(ZRLoggerDataTest, PeriodsWithoutAnyValueHaveNoRecord)
+{
+    SetVariables({u"M.U", u"M.I"});
+    Record(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002, 8), 230.0);
+    Record(u"M.I", VariableClass::Instantaneous, Date(1, 12, 2002, 11), 5.0);
+    const auto& group = Select(Date(1, 12, 2002), Date(2, 12, 2002), kHour);
+    EXPECT_EQ(TimesOf(group), (std::vector{Date(1, 12, 2002, 8), Date(1, 12, 2002, 11)}));
+    EXPECT_EQ(ValuesOf(group, 0), (std::vector{230.0, -1.0}));
+}
+
+TEST_F(ZRLoggerDataTest, TheClassOfTheDeviceDecides)
+{
+    const Meter meter;
+    SetVariables({u"M.E", u"M.U"});
+    RecordMinutes(u"M.E", VariableClass::Instantaneous, Date(1, 12, 2002), 121);
+    RecordMinutes(u"M.U", VariableClass::Counter, Date(1, 12, 2002), 121);
+    const auto& group = Select(Date(1, 12, 2002), Date(1, 12, 2002, 2), kHour);
+    EXPECT_EQ(ValuesOf(group, 0), (std::vector{60.0, 60.0}));
+    EXPECT_EQ(ValuesOf(group, 1), (std::vector{29.5, 89.5}));
+}
+
+TEST_F(ZRLoggerDataTest, WithoutTheDeviceTheClassOfTheStoreDecides)
+{
+    SetVariables({u"M.E"});
+    RecordMinutes(u"M.E", VariableClass::Counter, Date(1, 12, 2002), 121);
+    EXPECT_EQ(ValuesOf(Select(Date(1, 12, 2002), Date(1, 12, 2002, 2), kHour), 0), (std::vector{60.0, 60.0}));
+}
+
+TEST_F(ZRLoggerDataTest, ACounterIsReadBeyondBothEndsOfTheRange)
+{
+    SetVariables({u"M.E"});
+    RecordMinutes(u"M.E", VariableClass::Counter, Date(1, 12, 2002, 0, 0), 24 * 60 + 1);
+    const auto& group = Select(Date(1, 12, 2002, 10, 30), Date(1, 12, 2002, 12, 30), kHour);
+    EXPECT_EQ(ValuesOf(group, 0), (std::vector{30.0, 60.0, 30.0}));
+}
+
+TEST_F(ZRLoggerDataTest, CoarsePeriodsAgreeWithFineOnes)
+{
+    SetVariables({u"M.E", u"M.U", u"M.MAX"});
+    RecordMinutes(u"M.E", VariableClass::Counter, Date(1, 11, 2002), 60 * 24 * 40);
+    RecordMinutes(u"M.U", VariableClass::Instantaneous, Date(1, 11, 2002), 60 * 24 * 40);
+    RecordMinutes(u"M.MAX", VariableClass::Maximum, Date(1, 11, 2002), 60 * 24 * 40);
+    const auto days = Select(Date(1, 11, 2002), Date(1, 12, 2002), kDay).count;
+    EXPECT_EQ(days, 30);
+    const auto& month = data.RecordGroup(kMonth, nullptr);
+    EXPECT_EQ(ValuesOf(month, 0), std::vector{60.0 * 24 * 30});
+    EXPECT_EQ(ValuesOf(month, 1), std::vector{(60.0 * 24 * 30 - 1) / 2});
+    EXPECT_EQ(ValuesOf(month, 2), std::vector{60.0 * 24 * 30 - 1});
+    double consumption = 0.0;
+    for (const double value : ValuesOf(data.RecordGroup(kQuarter, nullptr), 0)) {
+        consumption += value;
+    }
+    EXPECT_DOUBLE_EQ(consumption, 60.0 * 24 * 30);
+}
+
+TEST_F(ZRLoggerDataTest, TheHourThatOccursTwiceShowsTwice)
+{
+    SetPlantZone(Paris());
+    SetVariables({u"M.U"});
+    RecordMinutes(u"M.U", VariableClass::Instantaneous, Date(26, 10, 2002, 22), 25 * 60);
+    const auto& hours = Select(Date(27, 10, 2002), Date(28, 10, 2002), kHour);
+    const std::vector<ZRDateTime> times = TimesOf(hours);
+    ASSERT_EQ(times.size(), 25u);
+    EXPECT_EQ(times[2], Date(27, 10, 2002, 2));
+    EXPECT_EQ(times[3], Date(27, 10, 2002, 2));
+    EXPECT_EQ(times[4], Date(27, 10, 2002, 3));
+    EXPECT_EQ(ValuesOf(hours, 0)[2], 149.5);
+    EXPECT_EQ(ValuesOf(hours, 0)[3], 209.5);
+    EXPECT_EQ(data.RecordGroup(kRecorded, nullptr).count, 25 * 60);
+    EXPECT_EQ(data.RecordGroup(kDay, nullptr).count, 1);
+}
+
+TEST_F(ZRLoggerDataTest, ASkippedHourShowsNoRecord)
+{
+    SetPlantZone(Paris());
+    SetVariables({u"M.U"});
+    RecordMinutes(u"M.U", VariableClass::Instantaneous, Date(30, 3, 2002, 23), 23 * 60);
+    const std::vector<ZRDateTime> times = TimesOf(Select(Date(31, 3, 2002), Date(1, 4, 2002), kHour));
+    ASSERT_EQ(times.size(), 23u);
+    EXPECT_EQ(times[1], Date(31, 3, 2002, 1));
+    EXPECT_EQ(times[2], Date(31, 3, 2002, 3));
+}
+
+TEST_F(ZRLoggerDataTest, TheSamePeriodTwiceGivesTheSameGroupWithItsSelection)
+{
+    SetVariables({u"M.U"});
+    RecordMinutes(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002), 60);
+    auto& group = Select(Date(1, 12, 2002), Date(2, 12, 2002), kQuarter);
+    group.SelectData(Date(1, 12, 2002, 0, 15), Date(1, 12, 2002, 0, 45), true);
+    auto& same = data.RecordGroup(kQuarter, nullptr);
+    EXPECT_EQ(&same, &group);
+    EXPECT_EQ(same.count, 2);
+    EXPECT_NE(&data.RecordGroup(kHour, nullptr), &group);
+    EXPECT_EQ(group.count, 2);
+}
+
+TEST_F(ZRLoggerDataTest, ASelectionIsWalkedBothWays)
+{
+    SetVariables({u"M.U"});
+    RecordMinutes(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002), 60);
+    auto& group = Select(Date(1, 12, 2002), Date(2, 12, 2002), kRecorded);
+    group.SelectData(Date(1, 12, 2002, 0, 10), Date(1, 12, 2002, 0, 13), true);
+    std::vector<double> backwards;
+    for (auto record = group.last; record != group.first;) {
+        --record;
+        backwards.push_back((*record)->values[0].value);
+    }
+    EXPECT_EQ(backwards, (std::vector{12.0, 11.0, 10.0}));
+    group.SelectData(Date(1, 12, 2002, 0, 10), Date(1, 12, 2002, 0, 13), false);
+    EXPECT_EQ(group.count, 4);  // with the end
+    group.SelectData(ZRDateTime(), Date(1, 12, 2002), true);
+    ExpectEmpty(group);
+    group.SelectData(Date(5, 12, 2002), Date(6, 12, 2002), true);
+    ExpectEmpty(group);
+    group.SelectData(Date(1, 12, 2002), Date(2, 12, 2002), true);
+    EXPECT_EQ(group.count, 60);
+}
+
+TEST_F(ZRLoggerDataTest, AVariableThatCantBeDescribedStillTakesUpAColumn)
+{
+    const Meter meter;
+    SetVariables({u"M.GONE", u"M.U"});
+    Record(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002, 8), 230.0);
+    for (const ZRDateTimeSpan& period : {kRecorded, kHour}) {
+        const auto& group = Select(Date(1, 12, 2002), Date(2, 12, 2002), period);
+        EXPECT_EQ(ValuesOf(group, 0), std::vector{-1.0});
+        EXPECT_EQ(ValuesOf(group, 1), std::vector{230.0});
+    }
+}
+
+TEST_F(ZRLoggerDataTest, AListWithoutVariablesGivesNoRecords)
+{
+    SetVariables({});
+    ExpectEmpty(Select(Date(1, 12, 2002), Date(2, 12, 2002), kRecorded));
+    ExpectEmpty(Select(Date(1, 12, 2002), Date(2, 12, 2002), kHour));
+}
+
+TEST_F(ZRLoggerDataTest, WithoutAStoreGroupsAreEmpty)
+{
+    SetLoggerStore(nullptr);
+    SetVariables({u"M.U"});
+    EXPECT_FALSE(data.SelectData(Date(1, 12, 2002), Date(2, 12, 2002), nullptr));
+    ExpectEmpty(data.RecordGroup(kHour, nullptr));
+    ExpectEmpty(data.RecordGroup(kRecorded, nullptr));
+}
+
+TEST_F(ZRLoggerDataTest, BeforeAnySelectionGroupsAreEmpty)
+{
+    SetVariables({u"M.U"});
+    auto& group = data.RecordGroup(kHour, nullptr);
+    group.SelectData(Date(1, 12, 2002), Date(2, 12, 2002), true);
+    ExpectEmpty(group);
+}
+
+TEST_F(ZRLoggerDataTest, AStoreThatFailsShowsAsAnEmptyGroup)
+{
+    SetVariables({u"M.U"});
+    Record(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002, 8), 230.0);
+    store.SetAvailable(false);
+    EXPECT_FALSE(data.SelectData(Date(1, 12, 2002), Date(2, 12, 2002), nullptr));
+    ExpectEmpty(data.RecordGroup(kHour, nullptr));
+    store.SetAvailable(true);
+    ASSERT_TRUE(data.SelectData(Date(1, 12, 2002), Date(2, 12, 2002), nullptr));
+    store.SetAvailable(false);
+    ExpectEmpty(data.RecordGroup(kHour, nullptr));
+    ExpectEmpty(data.RecordGroup(kRecorded, nullptr));
+    store.SetAvailable(true);
+    EXPECT_EQ(Select(Date(1, 12, 2002), Date(2, 12, 2002), kHour).count, 1);
+}
+
+TEST_F(ZRLoggerDataTest, AnEmptyOrMissingRangeSelectsNothing)
+{
+    SetVariables({u"M.U"});
+    EXPECT_FALSE(data.SelectData(Date(2, 12, 2002), Date(1, 12, 2002), nullptr));
+    EXPECT_FALSE(data.SelectData(Date(1, 12, 2002), Date(1, 12, 2002), nullptr));
+    EXPECT_FALSE(data.SelectData(ZRDateTime(), Date(1, 12, 2002), nullptr));
+    ExpectEmpty(data.RecordGroup(kHour, nullptr));
+}
+
+TEST_F(ZRLoggerDataTest, ANewSelectionDropsTheOldGroups)
+{
+    SetVariables({u"M.U"});
+    Record(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002, 8), 230.0);
+    EXPECT_EQ(Select(Date(1, 12, 2002), Date(2, 12, 2002), kHour).count, 1);
+    EXPECT_EQ(Select(Date(2, 12, 2002), Date(3, 12, 2002), kHour).count, 0);
+}
+
+TEST_F(ZRLoggerDataTest, AFullReferenceHasNoRecordsOfItsOwn)
+{
+    SetVariables({u"T.MVDF@PEAK#M.U", u"M.U"});
+    Record(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002, 8), 230.0);
+    const auto& group = Select(Date(1, 12, 2002), Date(2, 12, 2002), kHour);
+    EXPECT_EQ(ValuesOf(group, 0), std::vector{-1.0});
+    EXPECT_EQ(ValuesOf(group, 1), std::vector{230.0});
+}
+
+TEST_F(ZRLoggerDataTest, ANumberThatIsNoneIsNoValue)
+{
+    SetVariables({u"M.U"});
+    Record(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002, 8), std::numeric_limits<double>::quiet_NaN());
+    EXPECT_EQ(ValuesOf(Select(Date(1, 12, 2002), Date(2, 12, 2002), kRecorded), 0), std::vector{-1.0});
+    EXPECT_EQ(data.RecordGroup(kHour, nullptr).count, 0);
+}
+
+TEST_F(ZRLoggerDataTest, TheProgressRunsToTheEndAndCanStopTheWork)
+{
+    SetVariables({u"M.U", u"M.I"});
+    RecordMinutes(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002), 24 * 60);
+    RecordMinutes(u"M.I", VariableClass::Instantaneous, Date(1, 12, 2002), 24 * 60);
+    ASSERT_TRUE(data.SelectData(Date(1, 12, 2002), Date(2, 12, 2002), nullptr));
+    CountingProgress progress;
+    EXPECT_EQ(data.RecordGroup(kHour, &progress).count, 24);
+    EXPECT_TRUE(std::is_sorted(progress.positions.begin(), progress.positions.end()));
+    EXPECT_EQ(progress.positions.back(), 99);
+    CountingProgress stopped;
+    stopped.cancelAfter = 3;
+    ExpectEmpty(data.RecordGroup(kRecorded, &stopped));
+    EXPECT_EQ(stopped.positions.size(), 3u);
+    // What was stopped isn't begun again by who asks for the group.
+    ExpectEmpty(data.RecordGroup(kRecorded, nullptr));
+}
+
+}  // namespace
+}  // namespace zr

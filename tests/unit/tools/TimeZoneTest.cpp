@@ -1,0 +1,214 @@
+#include "siblings/tools/TimeZone.h"
+
+#include <gtest/gtest.h>
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace zr {
+namespace {
+
+struct Change {
+    std::int64_t utc = 0;
+    int before = 0;
+    int after = 0;
+    std::int64_t lastLocalBefore = 0;
+    std::int64_t firstLocalAfter = 0;
+};
+
+std::vector<std::string> Fields(const std::string& line)
+{
+    std::vector<std::string> fields;
+    std::istringstream stream(line);
+    for (std::string field; std::getline(stream, field, ',');) {
+        fields.push_back(field);
+    }
+    return fields;
+}
+
+// Seconds since 1970 of "2000-03-26T01:59:59", as if it were UTC.
+std::int64_t SecondsOf(const std::string& text)
+{
+    const auto number = [&](std::size_t at, std::size_t length) { return std::stoi(text.substr(at, length)); };
+    const std::chrono::sys_days day = std::chrono::year(number(0, 4)) /
+                                      std::chrono::month(static_cast<unsigned>(number(5, 2))) /
+                                      std::chrono::day(static_cast<unsigned>(number(8, 2)));
+    return day.time_since_epoch().count() * std::int64_t{86400} + number(11, 2) * 3600 + number(14, 2) * 60 +
+           number(17, 2);
+}
+
+// The changes of every zone in the table, in order.
+const std::map<std::string, std::vector<Change>>& Changes()
+{
+    static const auto changes = [] {
+        std::map<std::string, std::vector<Change>> all;
+        std::ifstream file(std::string(ZR_TEST_DATA) + "/dst_transitions_2000_2037.csv");
+        std::string line;
+        std::getline(file, line);
+        while (std::getline(file, line)) {
+            const std::vector<std::string> fields = Fields(line);
+            all[fields.at(0)].push_back({std::stoll(fields.at(1)), std::stoi(fields.at(3)), std::stoi(fields.at(4)),
+                                         SecondsOf(fields.at(8)), SecondsOf(fields.at(9))});
+        }
+        return all;
+    }();
+    return changes;
+}
+
+constexpr std::int64_t k2000 = 946684800;
+constexpr std::int64_t k2037 = 2114380800;
+
+// Paris, from the table of changes, so that it is there on every system.
+TimeZone Paris()
+{
+    std::vector<std::pair<std::int64_t, std::int32_t>> changes;
+    for (const Change& change : Changes().at("Europe/Paris")) {
+        changes.emplace_back(change.utc, change.after);
+    }
+    return {3600, std::move(changes)};
+}
+
+TEST(TimeZone, WithoutMoreItIsUtc)
+{
+    const TimeZone utc;
+    EXPECT_EQ(utc.ToLocal(k2000), k2000);
+    EXPECT_EQ(utc.ToUtc(k2000), k2000);
+}
+
+TEST(TimeZone, TheTableHoldsAllZones)
+{
+    std::size_t count = 0;
+    for (const auto& [name, changes] : Changes()) {
+        count += changes.size();
+    }
+    EXPECT_EQ(count, 1341u);
+}
+
+TEST(TimeZone, OfASkippedLocalTimeThereIsTheMomentOfTheChange)
+{
+    const TimeZone paris = Paris();
+    const Change spring = Changes().at("Europe/Paris")[0];
+    EXPECT_EQ(paris.ToUtc(spring.lastLocalBefore), spring.utc - 1);
+    EXPECT_EQ(paris.ToUtc(spring.lastLocalBefore + 1), spring.utc);
+    EXPECT_EQ(paris.ToUtc(spring.lastLocalBefore + 1800), spring.utc);
+    EXPECT_EQ(paris.ToUtc(spring.firstLocalAfter), spring.utc);
+    EXPECT_EQ(paris.ToUtc(spring.firstLocalAfter + 1), spring.utc + 1);
+}
+
+TEST(TimeZone, OfALocalTimeThatOccursTwiceThereIsTheFirst)
+{
+    const TimeZone paris = Paris();
+    const Change autumn = Changes().at("Europe/Paris")[1];
+    EXPECT_EQ(paris.ToUtc(autumn.firstLocalAfter), autumn.utc - 3600);
+    EXPECT_EQ(paris.ToUtc(autumn.lastLocalBefore), autumn.utc - 1);
+    EXPECT_EQ(paris.ToUtc(autumn.lastLocalBefore + 1), autumn.utc + 3600);
+    EXPECT_EQ(paris.ToLocal(autumn.utc), paris.ToLocal(autumn.utc - 3600));
+}
+
+TEST(TimeZone, SpansMeetAtTheChanges)
+{
+    const TimeZone paris = Paris();
+    const Change spring = Changes().at("Europe/Paris")[0];
+    const Change autumn = Changes().at("Europe/Paris")[1];
+    const TimeZone::Span summer = paris.SpanAt(spring.utc);
+    EXPECT_EQ(summer.begin, spring.utc);
+    EXPECT_EQ(summer.end, autumn.utc);
+    EXPECT_EQ(summer.offset, 7200);
+    EXPECT_EQ(paris.SpanAt(spring.utc - 1).end, spring.utc);
+}
+
+TEST(TimeZone, TheSystemsZoneAgreesWithTheSystem)
+{
+    const TimeZone zone = TimeZone::System();
+    for (std::int64_t utc = k2000; utc < k2037; utc += 20 * 86400 + 3607) {
+        const std::time_t seconds = utc;
+        const std::tm* const parts = std::localtime(&seconds);
+        ASSERT_NE(parts, nullptr);
+        const std::int64_t ofDay = (zone.ToLocal(utc) % 86400 + 86400) % 86400;
+        ASSERT_EQ(ofDay, (parts->tm_hour * 60 + parts->tm_min) * 60 + parts->tm_sec);
+    }
+}
+
+TEST(TimeZone, AnUnknownNameIsRefusedByName)
+{
+    TimeZone zone = Paris();
+    std::string error;
+    EXPECT_FALSE(TimeZone::Find("Europe/Nowhere", zone, error));
+    EXPECT_NE(error.find("Europe/Nowhere"), std::string::npos);
+    EXPECT_EQ(zone.ToLocal(k2000), k2000 + 3600);
+    EXPECT_FALSE(TimeZone::Find("", zone, error));
+    EXPECT_FALSE(TimeZone::Find("../../etc/passwd", zone, error));
+}
+
+TEST(TimeZone, UtcIsKnownEverywhere)
+{
+    TimeZone zone = Paris();
+    std::string error;
+    ASSERT_TRUE(TimeZone::Find("Etc/UTC", zone, error)) << error;
+    EXPECT_EQ(zone.ToLocal(k2000), k2000);
+}
+
+#ifndef _WIN32
+// Windows has no zones by these names.
+TEST(TimeZone, ZonesByNameChangeWhenTheTableSays)
+{
+    for (const auto& [name, changes] : Changes()) {
+        TimeZone zone;
+        std::string error;
+        ASSERT_TRUE(TimeZone::Find(name, zone, error)) << error;
+        for (const Change& change : changes) {
+            ASSERT_EQ(zone.SpanAt(change.utc - 1).offset, change.before) << name << ' ' << change.utc;
+            ASSERT_EQ(zone.SpanAt(change.utc).offset, change.after) << name << ' ' << change.utc;
+            ASSERT_EQ(zone.ToLocal(change.utc - 1), change.lastLocalBefore) << name;
+            ASSERT_EQ(zone.ToLocal(change.utc), change.firstLocalAfter) << name;
+        }
+    }
+}
+
+TEST(TimeZone, ZonesByNameDontChangeWhereTheTableSaysNothing)
+{
+    for (const auto& [name, changes] : Changes()) {
+        TimeZone zone;
+        std::string error;
+        ASSERT_TRUE(TimeZone::Find(name, zone, error)) << error;
+        std::size_t next = 0;
+        for (std::int64_t utc = k2000; utc < k2037;) {
+            const TimeZone::Span span = zone.SpanAt(utc);
+            // Some changes are of the name alone.
+            while (next < changes.size() && changes[next].before == changes[next].after) {
+                ++next;
+            }
+            if (span.begin >= k2000) {
+                ASSERT_LT(next, changes.size()) << name;
+                ASSERT_EQ(span.begin, changes[next].utc) << name;
+                ++next;
+            }
+            utc = span.end;
+        }
+    }
+}
+
+TEST(TimeZone, EveryLocalTimeLeadsBackToItself)
+{
+    for (const auto& [name, changes] : Changes()) {
+        TimeZone zone;
+        std::string error;
+        ASSERT_TRUE(TimeZone::Find(name, zone, error)) << error;
+        for (const Change& change : changes) {
+            for (std::int64_t utc = change.utc - 90000; utc < change.utc + 90000; utc += 1799) {
+                const std::int64_t local = zone.ToLocal(utc);
+                const std::int64_t back = zone.ToUtc(local);
+                ASSERT_LE(back, utc) << name;
+                ASSERT_EQ(zone.ToLocal(back), local) << name;
+            }
+        }
+    }
+}
+#endif
+
+}  // namespace
+}  // namespace zr

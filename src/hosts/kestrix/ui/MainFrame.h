@@ -133,6 +133,7 @@ private:
     QToolButton* m_bannerRetry = nullptr;
     CMenu* m_file = nullptr;
     CMenu* m_view = nullptr;
+    CMenu* m_help = nullptr;
     CMenu* m_language = nullptr;
     CMenu* m_colours = nullptr;
     CToolBar* m_toolbar = nullptr;

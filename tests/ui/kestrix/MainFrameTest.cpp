@@ -301,6 +301,26 @@ TEST_F(MainFrameTest, LanguagesSwitchTextsAndNumbersAtOnce)
     EXPECT_EQ(m_settings.language, "en");
 }
 
+TEST_F(MainFrameTest, TheMenuThatSwitchesTheLanguageMayGoWithIt)
+{
+    Start();
+    for (const char* const item : {"33012", "33013", "33011"}) {
+        QAction* action = nullptr;
+        for (auto* const menu : m_frame->findChildren<QMenu*>()) {
+            const auto* const ours = dynamic_cast<const CMenu*>(menu);
+            QAction* const found = ours != nullptr ? ours->FindItem(QString::fromLatin1(item).toUInt()) : nullptr;
+            action = action != nullptr ? action : found;
+        }
+        ASSERT_NE(action, nullptr);
+        action->trigger();
+        Settle();
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    EXPECT_EQ(m_frame->menuBar()->actions().size(), 3);
+    EXPECT_EQ(m_frame->menuBar()->actions()[0]->text(), "&File");
+    EXPECT_EQ(m_frame->findChildren<CToolBar*>().size(), 1);
+}
+
 TEST_F(MainFrameTest, TheSelectedValueStaysSelectedInAnotherLanguage)
 {
     Start();

@@ -1,4 +1,5 @@
 #include "DesktopFixture.h"
+#include "hosts/kestrix/ui/PageSetupDlg.h"
 
 #include <chrono>
 #include <QContextMenuEvent>
@@ -102,7 +103,7 @@ TEST_P(RandomEventsTest, TheMainWindowNeitherCrashesNorFreezes)
     Monkey monkey(GetParam());
     std::mt19937 values(GetParam());
     auto longest = std::chrono::steady_clock::duration::zero();
-    for (int i = 0; i < kEvents / 2; ++i) {
+    for (int i = 0; i < kEvents; ++i) {
         if (i % 50 == 0) {
             Write(u"METER-1", u"U1", std::uniform_real_distribution<double>(0.0, 4000.0)(values));
             m_frame->UpdateAll();
@@ -125,7 +126,8 @@ TEST_F(RandomEventsTest, TheDialogsNeitherCrashNorFreeze)
     Start();
     CloseModalWindows();
     Monkey monkey(7);
-    for (CDialog* const made : {m_frame->NewAboutDialog(), m_frame->NewKeysDialog()}) {
+    CDialog* const pageSetup = new PageSetupDlg(m_frame.get(), m_settings);
+    for (CDialog* const made : {m_frame->NewAboutDialog(), m_frame->NewKeysDialog(), pageSetup}) {
         const std::unique_ptr<CDialog> dialog(made);
         dialog->Create();
         for (int i = 0; i < kEvents; ++i) {

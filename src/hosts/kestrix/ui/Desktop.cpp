@@ -20,9 +20,7 @@
 #include <cstdio>
 #include <memory>
 #include <QApplication>
-#include <QLibraryInfo>
 #include <QTimer>
-#include <QTranslator>
 
 namespace zr::desktop {
 namespace {
@@ -50,7 +48,6 @@ private:
 
     [[nodiscard]] bool TakesPictures() const { return !m_options.snapshotFolder.empty(); }
     bool Prepare();
-    void LoadTranslation(const std::string& language);
     void StartTimers();
     void TakeSignals();
     int TakePictures();
@@ -60,7 +57,6 @@ private:
     supervision::Supervisor m_supervisor;
     DesktopSettings m_settings;
     std::unique_ptr<CWinApp> m_app;
-    QTranslator m_qtTexts;  // of the dialogs that are Qt's own
     std::unique_ptr<MainFrame> m_frame;
     std::unique_ptr<StopSignals> m_signals;
     QTimer m_publicationTimer;
@@ -102,8 +98,9 @@ int Desktop::Run()
     }
     m_frame->show();
     m_frame->Run();
-    // After the first picture, which is what a user waits for.
-    QTimer::singleShot(0, m_frame.get(), [this] { Log("the window is shown"); });
+    // With its first picture, which is what a user waits for.
+    QApplication::processEvents();
+    Log("the window is shown");
     const int status = QApplication::exec();
     m_settings.Store(ZRKestrixSetup::Get().registryKey);
     return status;
@@ -130,16 +127,7 @@ bool Desktop::Prepare()
     PrepareTheme();
     UseColours(m_settings.colours);
     SetLocaleInformation(m_settings.language);
-    LoadTranslation(language);
     return m_supervisor.Prepare(language);
-}
-
-void Desktop::LoadTranslation(const std::string& language)
-{
-    if (m_qtTexts.load(QStringLiteral("qtbase_") + QString::fromStdString(language),
-                       QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-        QApplication::installTranslator(&m_qtTexts);
-    }
 }
 
 void Desktop::StartTimers()

@@ -36,6 +36,7 @@ WindowPlace PlaceOf(const QRect& rect)
 MainFrame::MainFrame(supervision::Supervisor& supervisor, DesktopSettings& settings)
     : m_supervisor(supervisor), m_settings(settings)
 {
+    LoadQtTexts();
     MakeCentre();
     MakeMenus();
     MakeToolbar();

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <QTimer>
+#include <QTranslator>
 #include <string>
 
 class CDebugDlgBar;
@@ -86,6 +87,8 @@ private:
     void MakeStatusBar();
     void MakeWarningBar();
     void MakeShortcuts();
+    // The texts of the dialogs that are Qt's own, where the machine has them.
+    void LoadQtTexts();
     // Everything that holds texts, anew.
     void Translate();
     void CheckItems();
@@ -116,6 +119,7 @@ private:
     supervision::Supervisor& m_supervisor;
     DesktopSettings& m_settings;
     std::unique_ptr<PlantWatch> m_watch;
+    QTranslator m_qtTexts;
 
     // Owned by Qt.
     QSplitter* m_splitter = nullptr;
@@ -129,6 +133,7 @@ private:
     QToolButton* m_bannerRetry = nullptr;
     CMenu* m_file = nullptr;
     CMenu* m_view = nullptr;
+    CMenu* m_help = nullptr;
     CMenu* m_language = nullptr;
     CMenu* m_colours = nullptr;
     CToolBar* m_toolbar = nullptr;

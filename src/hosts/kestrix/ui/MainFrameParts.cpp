@@ -8,9 +8,11 @@
 #include "platform/ui/Images.h"
 #include "siblings/tools/ZRLocaleInformation.h"
 
+#include <QApplication>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QMenuBar>
 #include <QScrollArea>
@@ -119,8 +121,11 @@ void MainFrame::MakeBanner()
 void MainFrame::MakeMenus()
 {
     menuBar()->clear();
-    for (CMenu** const menu : {&m_file, &m_view}) {
-        delete std::exchange(*menu, nullptr);
+    // Later: the command that asks for other texts comes from one of them.
+    for (CMenu** const menu : {&m_file, &m_view, &m_help}) {
+        if (CMenu* const old = std::exchange(*menu, nullptr); old != nullptr) {
+            old->deleteLater();
+        }
     }
     MakeFileMenu();
     MakeViewMenu();
@@ -169,11 +174,10 @@ void MainFrame::MakeViewMenu()
 
 void MainFrame::MakeHelpMenu()
 {
-    auto* const help = new CMenu(this, Wide(kTextMenuHelp));
-    help->setParent(menuBar(), help->windowFlags());
-    help->AppendMenu(kCmdKeys, WithKeys(kTextHelpKeys, u"F1"), ui::NamedImage(QStringLiteral("keys")));
-    help->AppendMenu(kCmdAbout, Wide(kTextHelpAbout), ui::NamedImage(QStringLiteral("about")));
-    menuBar()->addMenu(help);
+    m_help = new CMenu(this, Wide(kTextMenuHelp));
+    m_help->AppendMenu(kCmdKeys, WithKeys(kTextHelpKeys, u"F1"), ui::NamedImage(QStringLiteral("keys")));
+    m_help->AppendMenu(kCmdAbout, Wide(kTextHelpAbout), ui::NamedImage(QStringLiteral("about")));
+    menuBar()->addMenu(m_help);
 }
 
 void MainFrame::CheckItems()
@@ -194,7 +198,11 @@ void MainFrame::CheckItems()
 
 void MainFrame::MakeToolbar()
 {
-    delete std::exchange(m_toolbar, nullptr);
+    if (m_toolbar != nullptr) {
+        m_toolbar->setObjectName({});
+        removeToolBar(m_toolbar);
+        m_toolbar->deleteLater();
+    }
     m_toolbar = new CToolBar(*this, kMainToolbar, Wide(kTextViewToolbar));
     m_toolbar->setIconSize({kToolbarIcon, kToolbarIcon});
     const auto add = [this](unsigned command, const char* picture, unsigned tip) {
@@ -254,8 +262,19 @@ bool MainFrame::UseLanguage(const std::string& language)
     }
     SetLocaleInformation(language);
     m_settings.language = language;
+    LoadQtTexts();
     Translate();
     return true;
+}
+
+void MainFrame::LoadQtTexts()
+{
+    const std::string language = m_settings.language.empty() ? SystemLanguage() : m_settings.language;
+    QApplication::removeTranslator(&m_qtTexts);
+    if (m_qtTexts.load(QStringLiteral("qtbase_") + QString::fromStdString(language),
+                       QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QApplication::installTranslator(&m_qtTexts);
+    }
 }
 
 void MainFrame::Translate()

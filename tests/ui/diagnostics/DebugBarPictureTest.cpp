@@ -93,7 +93,8 @@ TEST_P(DebugBarPictureTest, ShowsTitleLinesGripperAndCloseButton)
     const QRgb base = image.pixel(list + QPoint(List().width() / 2, List().height() - 30));
     EXPECT_EQ(qGray(base) < 128, isDark) << "lines lie on the desktop's own background";
     EXPECT_GT(Colours(image, QRect(list, QSize(100, 20))), 4u) << "a title with text";
-    const QRect lines = List().visualRect(List().model()->index(1, 0)).translated(List().viewport()->mapTo(&bar, QPoint()));
+    const QRect lines =
+        List().visualRect(List().model()->index(1, 0)).translated(List().viewport()->mapTo(&bar, QPoint()));
     EXPECT_GT(Colours(image, lines.intersected(image.rect()).adjusted(0, 0, -20, 0)), 4u) << "a line with text";
     if (place.dockBar != 0) {
         EXPECT_GT(Colours(image, QRect(0, 0, list.x() / 3, image.height())), 1u) << "a gripper";

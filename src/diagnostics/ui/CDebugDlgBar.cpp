@@ -76,9 +76,8 @@ bool CDebugDlgBar::Create(QWidget* parent, unsigned templateId, unsigned id)
     return CDialogBar::Create(parent, templateId & 0xffffu, kStyle, id);
 }
 
-bool CDebugDlgBar::OnInitDialog()
+void CDebugDlgBar::OnInitDialog()
 {
-    CDialogBar::OnInitDialog();
     m_sizes.sizeHorz = FromQt(m_sizeDefault);
     m_sizes.sizeFloat = m_sizes.sizeHorz;
     m_sizes.changeDockedSize = true;
@@ -92,7 +91,6 @@ bool CDebugDlgBar::OnInitDialog()
     m_list->SetExtendedStyle(LVS_EX_FULLROWSELECT, LVS_EX_GRIDLINES);
     Layout();
     UpdateWarningList();
-    return true;
 }
 
 void CDebugDlgBar::UpdateWarningList()

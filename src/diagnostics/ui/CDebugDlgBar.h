@@ -36,7 +36,7 @@ public:
     QSize CalcDynamicLayout(int length, unsigned mode) override;
 
 protected:
-    bool OnInitDialog() override;
+    void OnInitDialog() override;
     void OnSize() override;
     bool OnCommand(unsigned id, unsigned code, QWidget* from) override;
     bool OnNotify(const zr::ui::NMHDR& notice) override;

@@ -57,7 +57,7 @@ void CGoToDateDlg::SetLeftBottomPosition(int left, int bottom)
     m_bottom = bottom;
 }
 
-bool CGoToDateDlg::OnInitDialog()
+void CGoToDateDlg::OnInitDialog()
 {
     zr::ui::SetSuiteIcon(*this);
     zr::ui::SetTitle(*this, zr::dialogs::kTextGoToDate);
@@ -72,7 +72,6 @@ bool CGoToDateDlg::OnInitDialog()
         m_calendar.SetCurSel(ToControl(*day));
     }
     Layout();
-    return CDialog::OnInitDialog();
 }
 
 void CGoToDateDlg::OnOK()

@@ -21,7 +21,7 @@ public:
     void SetLeftBottomPosition(int left, int bottom);
 
 protected:
-    bool OnInitDialog() override;
+    void OnInitDialog() override;
     void OnOK() override;
     void resizeEvent(QResizeEvent* event) override;
 

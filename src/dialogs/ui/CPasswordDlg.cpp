@@ -63,7 +63,7 @@ CPasswordDlg::CPasswordDlg(QWidget* parent, PasswordCheck check, int maxLength)
     m_layout.AddGap(ZRLayout::Size::Fixed(kInset));
 }
 
-bool CPasswordDlg::OnInitDialog()
+void CPasswordDlg::OnInitDialog()
 {
     zr::ui::SetSuiteIcon(*this);
     zr::ui::SetTitle(*this, m_check.Title());
@@ -75,7 +75,6 @@ bool CPasswordDlg::OnInitDialog()
     m_prompt.setMinimumHeight(m_prompt.heightForWidth(width - 2 * ZRLayout::ToPixels(kInset, *this)));
     setMinimumSize(m_layout.NeededSize().expandedTo(QSize(width, 0)));
     resize(minimumSize());
-    return CDialog::OnInitDialog();
 }
 
 void CPasswordDlg::OnOK()

@@ -27,7 +27,7 @@ public:
     bool CheckStringPassword(const ZRBasicString& password) { return m_check.IsString(password); }
 
 protected:
-    bool OnInitDialog() override;
+    void OnInitDialog() override;
     void OnOK() override;
     void resizeEvent(QResizeEvent* event) override;
 

@@ -42,11 +42,6 @@ int CDialog::DoModal()
     return exec() == QDialog::Accepted ? zr::ui::IDOK : zr::ui::IDCANCEL;
 }
 
-bool CDialog::OnInitDialog()
-{
-    return true;
-}
-
 void CDialog::OnOK()
 {
     EndDialog(zr::ui::IDOK);

@@ -38,8 +38,8 @@ public:
     }
 
 protected:
-    // True: the focus goes to the first control; false: the dialog has set it.
-    virtual bool OnInitDialog();
+    // Once, before it is shown. The focus is where it sets it, else on the first control.
+    virtual void OnInitDialog() {}
     // Each ends the dialog unless overridden.
     virtual void OnOK();
     virtual void OnCancel();

@@ -151,11 +151,6 @@ QSize CDialogBar::CalcDynamicLayout(int, unsigned mode)
     return {width, height};
 }
 
-bool CDialogBar::OnInitDialog()
-{
-    return true;
-}
-
 void CDialogBar::OnSize() {}
 
 void CDialogBar::OnWindowPosChanged(unsigned) {}

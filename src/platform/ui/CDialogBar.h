@@ -50,7 +50,7 @@ protected:
     [[nodiscard]] CFrameWnd* Frame() const { return m_frame; }
 
     // Once, by Create.
-    virtual bool OnInitDialog();
+    virtual void OnInitDialog() {}
     // Its size has changed, or where it is docked.
     virtual void OnSize();
     // SWP_HIDEWINDOW when it is hidden, with SWP_NOREDRAW as well when the user closed it by its caption.

@@ -25,13 +25,6 @@ void CMenu::AppendMenu(unsigned id, std::u16string_view text, const QIcon& image
     });
 }
 
-void CMenu::EnableMenuItem(unsigned id, bool enable)
-{
-    if (QAction* const action = FindItem(id); action != nullptr) {
-        action->setEnabled(enable);
-    }
-}
-
 void CMenu::CheckMenuItem(unsigned id, bool check)
 {
     if (QAction* const action = FindItem(id); action != nullptr) {

@@ -20,9 +20,8 @@ public:
     void AppendMenu(CMenu& popup) { addMenu(&popup); }
     void AppendSeparator() { addSeparator(); }
 
-    // Of the item of that number, in this menu or in one of its own. Nothing when there is none.
-    void EnableMenuItem(unsigned id, bool enable);
-    // With a mark before its text. One that was ever marked shows room for the mark from then on.
+    // Puts a mark before the text of the item of that number, in this menu or in one of its own; nothing when there is
+    // none. One that was ever marked shows room for the mark from then on.
     void CheckMenuItem(unsigned id, bool check);
     // Null when there is none.
     [[nodiscard]] QAction* FindItem(unsigned id) const;

@@ -26,13 +26,6 @@ void CToolBar::AddButton(unsigned id, const QIcon& image, std::u16string_view te
     widgetForAction(action)->setObjectName(QString::number(id));
 }
 
-void CToolBar::EnableButton(unsigned id, bool enable)
-{
-    if (QAction* const action = FindButton(id); action != nullptr) {
-        action->setEnabled(enable);
-    }
-}
-
 void CToolBar::CheckButton(unsigned id, bool check)
 {
     if (QAction* const action = FindButton(id); action != nullptr) {

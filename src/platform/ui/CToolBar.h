@@ -18,9 +18,7 @@ public:
     // A button without a picture shows its text; the text is the tool tip in any case.
     void AddButton(unsigned id, const QIcon& image, std::u16string_view text);
     void AddSeparator() { addSeparator(); }
-    // Nothing for a number that isn't there.
-    void EnableButton(unsigned id, bool enable);
-    // Shown as pressed.
+    // Shown as pressed. Nothing for a number that isn't there.
     void CheckButton(unsigned id, bool check);
 
 private:

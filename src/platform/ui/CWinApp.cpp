@@ -96,28 +96,8 @@ int CWinApp::GetProfileIntW(std::u16string_view section, std::u16string_view ent
     return value;
 }
 
-std::u16string CWinApp::GetProfileStringW(std::u16string_view section, std::u16string_view entry,
-                                          std::u16string_view byDefault) const
-{
-    const std::vector<std::uint8_t> bytes = Key(PathOf(section), Key::Use::Read).Read(entry, zr::REG_SZ);
-    if (bytes.empty()) {
-        return std::u16string(byDefault);
-    }
-    std::u16string text(bytes.size() / sizeof(char16_t), u'\0');
-    std::memcpy(text.data(), bytes.data(), text.size() * sizeof(char16_t));
-    return text.substr(0, text.find(u'\0'));
-}
-
 bool CWinApp::WriteProfileInt(std::u16string_view section, std::u16string_view entry, int value)
 {
     const std::int32_t number = value;
     return Key(PathOf(section), Key::Use::Write).Write(entry, zr::REG_DWORD, &number, sizeof number);
-}
-
-bool CWinApp::WriteProfileStringW(std::u16string_view section, std::u16string_view entry, std::u16string_view value)
-{
-    const std::u16string text(value);
-    // With its terminating zero.
-    return Key(PathOf(section), Key::Use::Write)
-        .Write(entry, zr::REG_SZ, text.c_str(), (text.size() + 1) * sizeof(char16_t));
 }

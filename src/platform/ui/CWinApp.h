@@ -16,11 +16,8 @@ public:
 
     // What is not there or is of another kind gives the default.
     [[nodiscard]] int GetProfileIntW(std::u16string_view section, std::u16string_view entry, int byDefault) const;
-    [[nodiscard]] std::u16string GetProfileStringW(std::u16string_view section, std::u16string_view entry,
-                                                   std::u16string_view byDefault = {}) const;
     // False when it can't be kept.
     bool WriteProfileInt(std::u16string_view section, std::u16string_view entry, int value);
-    bool WriteProfileStringW(std::u16string_view section, std::u16string_view entry, std::u16string_view value);
 
 private:
     [[nodiscard]] std::u16string PathOf(std::u16string_view section) const;

@@ -1,5 +1,5 @@
-// A page with every control in its states, painted into pictures that a person can look at: sample_page_*.png in the
-// folder that the test runs in.
+// A page with every control in its states, painted into pictures that a person can look at: sample_page_*.png in
+// pictures/ of the build folder.
 #include "controls/ui/ZRBarValueControl.h"
 #include "controls/ui/ZRBaseViewDlg.h"
 #include "controls/ui/ZRValueControl.h"
@@ -7,6 +7,7 @@
 #include "siblings/tools/LanguageFile.h"
 #include "siblings/tools/ZRLoadString.h"
 #include "support/LiveDevice.h"
+#include "ui/support/KeepPicture.h"
 #include "WindowPicture.h"
 
 #include <gtest/gtest.h>
@@ -144,7 +145,7 @@ TEST_P(SamplePageTest, PaintsEveryControlInItsStates)
     const QString name = QStringLiteral("sample_page_%1_%2.png")
                              .arg(isDark ? QStringLiteral("dark") : QStringLiteral("light"))
                              .arg(scale);
-    ASSERT_TRUE(picture.Image().save(name));
+    ASSERT_TRUE(zr::test::KeepPicture(picture.Image(), name));
     // The alarm of a number, the green of a zone, and the text colour of the desktop.
     EXPECT_GT(picture.CountAll(0xff0000), 0);
     EXPECT_GT(picture.CountAll(zr::controls::MakeRgb(0, 240, 60)), 0);

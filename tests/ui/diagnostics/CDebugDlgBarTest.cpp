@@ -4,6 +4,7 @@
 #include "diagnostics/ui/SizeLine.h"
 #include "platform/ui/SystemColours.h"
 #include "siblings/tools/ui/ZRLayout.h"
+#include "support/UserText.h"
 
 #include <QHeaderView>
 #include <QPushButton>
@@ -324,7 +325,7 @@ TEST_F(CDebugDlgBarTest, KeepsItsSizeWhereTheKeptOneIsMissingOrIsNone)
     const QSize before = bar.CalcDynamicLayout(-1, LM_MRUWIDTH);
     for (const int hostile : {-1, 32768, 2147483647, -2147483647 - 1}) {
         application.WriteProfileInt(u"main-SCBar-1300", u"sizeFloatCX", hostile);
-        application.WriteProfileStringW(u"main-SCBar-1300", u"sizeFloatCY", u"wide");
+        zr::test::WriteUserText(u"Software\\Kestrix\\main-SCBar-1300", u"sizeFloatCY", u"wide");
         bar.LoadState(u"main");
         EXPECT_EQ(bar.CalcDynamicLayout(-1, LM_MRUWIDTH), before) << hostile;
     }

@@ -1,8 +1,8 @@
 // Pictures of the bar at every place, on a light and on a dark desktop; they are left in pictures/ of the build folder
 // for people to look at.
 #include "DebugBarFixture.h"
+#include "ui/support/KeepPicture.h"
 
-#include <filesystem>
 #include <QLabel>
 #include <QPalette>
 #include <set>
@@ -60,10 +60,7 @@ protected:
     }
     static void Keep(const QImage& image, const std::string& name)
     {
-        const std::filesystem::path folder =
-            std::filesystem::path(QApplication::applicationDirPath().toStdString()) / ".." / "pictures";
-        std::filesystem::create_directories(folder);
-        EXPECT_TRUE(image.save(QString::fromStdString((folder / (name + ".png")).string())));
+        EXPECT_TRUE(KeepPicture(image, QString::fromStdString(name + ".png")));
     }
     // How many colours a part of the picture has.
     static std::size_t Colours(const QImage& image, const QRect& part)

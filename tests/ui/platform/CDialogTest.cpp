@@ -15,10 +15,12 @@ class Question : public CDialog {
 public:
     Question() : CDialog(200, nullptr), edit(this, kEditId), ok(this, zr::ui::IDOK), cancel(this, zr::ui::IDCANCEL) {}
 
-    bool OnInitDialog() override
+    void OnInitDialog() override
     {
         ++initialised;
-        return CDialog::OnInitDialog();
+        if (isFocusedByItself) {
+            cancel.setFocus();
+        }
     }
     void OnOK() override
     {
@@ -31,6 +33,7 @@ public:
     CButton ok;
     CButton cancel;
     int initialised = 0;
+    bool isFocusedByItself = false;
 };
 
 class CDialogTest : public ::testing::Test {
@@ -56,6 +59,21 @@ TEST_F(CDialogTest, IsInitialisedOnceBeforeItShows)
     EXPECT_EQ(dialog.DoModal(), static_cast<int>(zr::ui::IDCANCEL));
     EXPECT_EQ(dialog.DoModal(), static_cast<int>(zr::ui::IDCANCEL));
     EXPECT_EQ(dialog.initialised, 1);
+}
+
+TEST_F(CDialogTest, FocusesItsFirstControlUnlessItHasSetTheFocusItself)
+{
+    for (const bool isFocusedByItself : {false, true}) {
+        Question dialog;
+        dialog.isFocusedByItself = isFocusedByItself;
+        zr::ui::SetModalHook([&](QDialog& shown) {
+            const QWidget* const expected = isFocusedByItself ? static_cast<QWidget*>(&dialog.cancel) : &dialog.edit;
+            EXPECT_TRUE(QTest::qWaitForWindowActive(&shown));
+            EXPECT_EQ(shown.focusWidget(), expected);
+            QTest::keyClick(&shown, Qt::Key_Escape);
+        });
+        dialog.DoModal();
+    }
 }
 
 TEST_F(CDialogTest, StaysOpenUntilOnOkLetsItGo)

@@ -19,6 +19,7 @@
 #include <QStatusBar>
 #include <QToolButton>
 #include <utility>
+#include <vector>
 
 namespace zr::desktop {
 namespace {
@@ -29,6 +30,16 @@ constexpr const wchar* kProfile = u"Main";  // of the warning bar's sizes
 WindowPlace PlaceOf(const QRect& rect)
 {
     return {rect.left(), rect.top(), rect.width(), rect.height(), false};
+}
+
+// The first one first.
+std::vector<WindowPlace> Screens()
+{
+    std::vector<WindowPlace> places{PlaceOf(QGuiApplication::primaryScreen()->availableGeometry())};
+    for (const QScreen* const screen : QGuiApplication::screens()) {
+        places.push_back(PlaceOf(screen->availableGeometry()));
+    }
+    return places;
 }
 
 }  // namespace
@@ -43,13 +54,14 @@ MainFrame::MainFrame(supervision::Supervisor& supervisor, DesktopSettings& setti
     MakeStatusBar();
     MakeWarningBar();
     MakeShortcuts();
-    const WindowPlace place = FitToScreen(settings.window, PlaceOf(screen()->availableGeometry()));
+    const WindowPlace place = FitToScreens(settings.window, Screens());
     setGeometry(place.left, place.top, place.width, place.height);
     if (place.isMaximised) {
         setWindowState(windowState() | Qt::WindowMaximized);
     }
-    const int tree = settings.treeWidth > 0 ? settings.treeWidth : m_tree->sizeHint().width();
-    m_splitter->setSizes({tree, std::max(place.width - tree, 1)});
+    const int wanted = settings.treeWidth > 0 ? settings.treeWidth : m_tree->sizeHint().width();
+    const int tree = std::min(wanted, place.width / 2);  // the page is what the window is for
+    m_splitter->setSizes({tree, place.width - tree});
     RegistryCame();
     connect(&m_timer, &QTimer::timeout, this, [this] { UpdateAll(); });
 }

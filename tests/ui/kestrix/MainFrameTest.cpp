@@ -330,6 +330,19 @@ TEST_F(MainFrameTest, TheSelectedValueStaysSelectedInAnotherLanguage)
     EXPECT_EQ(m_frame->Page()->Selection()->name, u"F");
 }
 
+TEST_F(MainFrameTest, AnotherLanguageForgetsNoMark)
+{
+    Start();
+    for (const double value : {49.97, 50.03, 50.0}) {
+        Write(u"METER-1", u"F", value);
+        m_frame->UpdateAll();
+    }
+    QTest::mouseClick(NumberOf("METER-1.F"), Qt::LeftButton);
+    Command(kCmdLanguageGerman);
+    EXPECT_TRUE(MarkText().contains("49,97")) << MarkText().toStdString();
+    EXPECT_TRUE(MarkText().contains("50,03")) << MarkText().toStdString();
+}
+
 TEST_F(MainFrameTest, ColoursSwitchAtOnce)
 {
     Start();

@@ -80,20 +80,29 @@ void MainFrame::Run()
 
 void MainFrame::RegistryGoes()
 {
-    if (m_watch == nullptr) {
-        return;
+    if (m_watch != nullptr) {
+        LeaveRegistry();
+        m_watch.reset();
     }
-    m_settings.page = m_shownNode != DeviceTree::kNone ? m_tree->Tree().PathOf(m_shownNode) : ZRBasicString();
-    m_isFilling = true;
-    SetPage(nullptr);
-    m_tree->Show({});
-    m_isFilling = false;
-    m_watch.reset();
 }
 
 void MainFrame::RegistryCame()
 {
     m_watch = std::make_unique<PlantWatch>();
+    ShowRegistry();
+}
+
+void MainFrame::LeaveRegistry()
+{
+    m_settings.page = m_shownNode != DeviceTree::kNone ? m_tree->Tree().PathOf(m_shownNode) : ZRBasicString();
+    m_isFilling = true;
+    SetPage(nullptr);
+    m_tree->Show({});
+    m_isFilling = false;
+}
+
+void MainFrame::ShowRegistry()
+{
     m_watch->Update(ZRDebugInfo::Get(), m_supervisor.IsOurs());
     ZRMainCfg& document = m_supervisor.Document();
     m_isFilling = true;

@@ -534,6 +534,22 @@ TEST_F(MainFrameTest, PageSetupIsKeptAndAPageIsPrinted)
     EXPECT_EQ(head, "%PDF-");
 }
 
+TEST_F(MainFrameTest, AKeptTreeWidthLeavesThePageHalfTheWindow)
+{
+    m_settings.window = {0, 0, 1000, 700, false};
+    m_settings.treeWidth = 90000;
+    Start();
+    EXPECT_GE(m_frame->findChild<QScrollArea*>()->width(), 490);
+}
+
+TEST_F(MainFrameTest, ToolTipsTellUnitAndLinkAndTakeNothingForMarkup)
+{
+    Start();
+    EXPECT_TRUE(NumberOf("METER-1.U1")->toolTip().contains("(V)")) << NumberOf("METER-1.U1")->toolTip().toStdString();
+    EXPECT_EQ(PlainTip("<img src='x'>"), "<p style='white-space:pre-wrap'>&lt;img src='x'&gt;</p>");
+    EXPECT_EQ(PlainTip("Voltage < 3 V"), "Voltage < 3 V");
+}
+
 TEST_F(MainFrameTest, AboutTellsTheVersion)
 {
     Start();

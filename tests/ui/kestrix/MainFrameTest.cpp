@@ -3,16 +3,13 @@
 #include "hosts/kestrix/ui/DevicePageView.h"
 #include "hosts/kestrix/ui/GroupPageView.h"
 #include "hosts/kestrix/ui/InfoDlg.h"
-#include "hosts/kestrix/ui/PageSetupDlg.h"
 #include "platform/ProcessLock.h"
 #include "platform/ui/CDialog.h"
 #include "platform/ui/CListCtrl.h"
 #include "siblings/driversupport/DeviceWarning.h"
 
 #include <cstring>
-#include <fstream>
 #include <QClipboard>
-#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QLabel>
 #include <QMenuBar>
@@ -26,12 +23,6 @@ namespace {
 
 class MainFrameTest : public DesktopFixture {
 protected:
-    ZRBasicString ShownNode() const
-    {
-        const std::size_t node = m_frame->Tree().SelectedNode();
-        return node != DeviceTree::kNone ? m_frame->Tree().Tree()[node].text : ZRBasicString(u"none");
-    }
-
     ZRValueControl* NumberOf(const QString& reference) const
     {
         for (auto* const control : m_frame->Page()->findChildren<ZRValueControl*>()) {
@@ -185,102 +176,6 @@ TEST_F(MainFrameTest, TheRightButtonSelectsAValueAndOffersItsLinks)
     ASSERT_NE(menu, nullptr);
     EXPECT_GE(menu->actions().size(), 5);
     menu->close();
-}
-
-TEST_F(MainFrameTest, OpensAnotherDocument)
-{
-    Start();
-    const auto other = m_folder.Write("other.xml", Document("A-1", "A-2"));
-    ASSERT_TRUE(m_frame->OpenDocument(other));
-    EXPECT_EQ(ShownNode(), u"A-1");
-    EXPECT_EQ(m_frame->windowTitle(), "other.xml - Kestrix");
-    EXPECT_FALSE(m_frame->ShowDevice(u"METER-1"));
-}
-
-TEST_F(MainFrameTest, TellsWhereADocumentCannotBeReadAndKeepsTheOldOne)
-{
-    Start();
-    const auto bad = m_folder.Write("bad.xml", "<Kestrix>\n<Broken\n</Kestrix>");
-    EXPECT_FALSE(m_frame->OpenDocument(bad));
-    ASSERT_EQ(m_asked.size(), 1u);
-    EXPECT_NE(m_asked[0].find(u"bad.xml"), std::u16string::npos);
-    EXPECT_NE(m_asked[0].find(u"Line "), std::u16string::npos);
-    EXPECT_FALSE(m_frame->OpenDocument(m_folder / "none.xml"));
-    EXPECT_EQ(m_asked.size(), 2u);
-    EXPECT_EQ(ShownNode(), u"METER-1");
-}
-
-TEST_F(MainFrameTest, ReloadShowsTheDocumentAsItIsNowAndStaysOnThePage)
-{
-    Start();
-    m_frame->ShowDevice(u"METER-2");
-    m_folder.Write("plant.xml", Document("METER-9", "METER-2"));
-    Command(kCmdReload);
-    EXPECT_EQ(ShownNode(), u"METER-2");
-    EXPECT_TRUE(m_frame->ShowDevice(u"METER-9"));
-}
-
-TEST_F(MainFrameTest, ARenamedGroupIsSavedWithTheDocument)
-{
-    Start();
-    m_frame->Tree().topLevelItem(0)->setText(0, QStringLiteral("Cellar"));
-    m_frame->UpdateAll();
-    EXPECT_EQ(m_frame->windowTitle(), "*plant.xml - Kestrix");
-    Command(kCmdSave);
-    EXPECT_EQ(m_frame->windowTitle(), "plant.xml - Kestrix");
-    XmlDocument saved;
-    ASSERT_TRUE(saved.Load(m_document));
-    EXPECT_NE(saved.root->Node(u"DeviceGroups/Groups/Group?Id=Cellar?"), nullptr);
-}
-
-TEST_F(MainFrameTest, AGroupKeepsItsNameWhenNothingIsTyped)
-{
-    Start();
-    m_frame->Tree().topLevelItem(0)->setText(0, QStringLiteral("  "));
-    EXPECT_EQ(m_frame->Tree().topLevelItem(0)->text(0), "North");
-    EXPECT_FALSE(m_supervisor->IsModified());
-}
-
-TEST_F(MainFrameTest, UnsavedChangesAreAskedForOnQuit)
-{
-    Start();
-    m_frame->Tree().topLevelItem(0)->setText(0, QStringLiteral("Cellar"));
-    m_answer = static_cast<int>(ui::IDCANCEL);
-    EXPECT_FALSE(m_frame->close());
-    EXPECT_EQ(m_asked.size(), 1u);
-    m_answer = ui::IDYES;
-    EXPECT_TRUE(m_frame->close());
-    XmlDocument saved;
-    ASSERT_TRUE(saved.Load(m_document));
-    EXPECT_NE(saved.root->Node(u"DeviceGroups/Groups/Group?Id=Cellar?"), nullptr);
-}
-
-TEST_F(MainFrameTest, ReloadAsksBeforeItLosesChanges)
-{
-    Start();
-    m_frame->Tree().topLevelItem(0)->setText(0, QStringLiteral("Cellar"));
-    m_answer = ui::IDNO;
-    EXPECT_FALSE(m_frame->ReloadDocument());
-    EXPECT_TRUE(m_supervisor->IsModified());
-    m_answer = ui::IDYES;
-    EXPECT_TRUE(m_frame->ReloadDocument());
-    EXPECT_EQ(m_frame->Tree().topLevelItem(0)->text(0), "North");
-}
-
-TEST_F(MainFrameTest, TellsWhyADocumentCannotBeSaved)
-{
-    Start();
-    EXPECT_FALSE(m_frame->SaveDocumentAs(m_folder / "none" / "copy.xml"));
-    ASSERT_EQ(m_asked.size(), 1u);
-    EXPECT_NE(m_asked[0].find(u"copy.xml"), std::u16string::npos);
-}
-
-TEST_F(MainFrameTest, SaveAsGoesOverToTheCopy)
-{
-    Start();
-    ASSERT_TRUE(m_frame->SaveDocumentAs(m_folder / "copy.xml"));
-    EXPECT_EQ(m_frame->windowTitle(), "copy.xml - Kestrix");
-    EXPECT_EQ(m_supervisor->Options().document, m_folder / "copy.xml");
 }
 
 TEST_F(MainFrameTest, LanguagesSwitchTextsAndNumbersAtOnce)
@@ -514,24 +409,6 @@ TEST_F(MainFrameTest, AGroupOfManyDevicesIsLeafedThrough)
     }
     EXPECT_NE(NumberOf("M39.U1"), nullptr);
     EXPECT_EQ(NumberOf("M0.U1"), nullptr);
-}
-
-TEST_F(MainFrameTest, PageSetupIsKeptAndAPageIsPrinted)
-{
-    Start();
-    ui::SetModalHook([](QDialog& dialog) {
-        dialog.findChild<QComboBox*>(QString::number(kOrientationBox))->setCurrentIndex(1);
-        dialog.accept();
-    });
-    Command(kCmdPageSetup);
-    ui::SetModalHook(nullptr);
-    EXPECT_TRUE(m_settings.isLandscape);
-    const auto file = m_folder / "page.pdf";
-    ASSERT_TRUE(PrintPageToFile(*m_frame->Page(), m_settings, QString::fromStdString(file.string())));
-    std::ifstream stream(file);
-    std::string head(5, '\0');
-    stream.read(head.data(), 5);
-    EXPECT_EQ(head, "%PDF-");
 }
 
 TEST_F(MainFrameTest, AKeptTreeWidthLeavesThePageHalfTheWindow)

@@ -1,6 +1,8 @@
 // The main window and its document: opened, read again, changed, saved.
 #include "DesktopFixture.h"
 
+#include <filesystem>
+
 namespace zr::desktop {
 namespace {
 
@@ -26,6 +28,23 @@ TEST_F(MainFrameDocumentTest, TellsWhereADocumentCannotBeReadAndKeepsTheOldOne)
     EXPECT_NE(m_asked[0].find(u"Line "), std::u16string::npos);
     EXPECT_FALSE(m_frame->OpenDocument(m_folder / "none.xml"));
     EXPECT_EQ(m_asked.size(), 2u);
+    EXPECT_EQ(ShownNode(), u"METER-1");
+}
+
+TEST_F(MainFrameDocumentTest, TellsWhyADocumentCannotBeTakenAndKeepsTheOldOne)
+{
+    Start();
+    const auto other = m_folder.Write("other.xml", Document("A-1", "A-2"));
+    // Whoever may write there could hold any lock.
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(m_folder / "run")) {
+        if (entry.is_directory()) {
+            std::filesystem::permissions(entry.path(), std::filesystem::perms::all);
+        }
+    }
+    EXPECT_FALSE(m_frame->OpenDocument(other));
+    ASSERT_EQ(m_asked.size(), 1u);
+    EXPECT_NE(m_asked[0].find(u"other.xml"), std::u16string::npos);
+    EXPECT_NE(m_asked[0].find(u"open to others"), std::u16string::npos);
     EXPECT_EQ(ShownNode(), u"METER-1");
 }
 

@@ -237,6 +237,9 @@ bool MainFrame::Adopt(const std::filesystem::path& document)
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const bool good = m_supervisor.Open(document);
     QApplication::restoreOverrideCursor();
+    if (!good) {
+        Tell(FilledText(kTextErrorOpen, {FileText(document), Utf8ToUtf16(m_supervisor.LockProblem())}));
+    }
     ShowBanner();
     ShowStatus();
     ShowWarnings();

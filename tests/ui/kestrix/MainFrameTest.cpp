@@ -1,5 +1,6 @@
 #include "DesktopFixture.h"
 #include "diagnostics/DiagnosticsIds.h"
+#include "diagnostics/ui/CDebugDlgBar.h"
 #include "hosts/kestrix/ui/DevicePageView.h"
 #include "hosts/kestrix/ui/GroupPageView.h"
 #include "hosts/kestrix/ui/InfoDlg.h"
@@ -275,6 +276,24 @@ TEST_F(MainFrameTest, AWarningOfAConnectionShowsItsFirstDevice)
     WarningList()->SetItemState(WarningList()->GetItemCount() - 1, ui::LVIS_SELECTED, ui::LVIS_SELECTED);
     Settle();
     EXPECT_EQ(ShownNode(), u"METER-1");
+}
+
+TEST_F(MainFrameTest, ValuesGoOnAfterADragOfTheWarningBarThatAnotherWindowEnds)
+{
+    Start();
+    m_frame->Run();
+    auto* const bar = m_frame->findChild<CDebugDlgBar*>();
+    ASSERT_NE(bar, nullptr);
+    const QPoint edge = bar->mapTo(m_frame.get(), QPoint(200, 1));
+    QTest::mouseMove(m_frame->windowHandle(), edge);
+    QTest::mousePress(m_frame->windowHandle(), Qt::LeftButton, {}, edge);
+    Settle();
+    ASSERT_EQ(QWidget::mouseGrabber(), bar);
+    QEvent lost(QEvent::WindowDeactivate);
+    QApplication::sendEvent(bar, &lost);
+    Write(u"METER-1", u"F", 49.98);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return NumberOf("METER-1.F")->SpokenText() == "49.98"; }));
+    QTest::mouseRelease(m_frame->windowHandle(), Qt::LeftButton, {}, edge);
 }
 
 TEST_F(MainFrameTest, ClosingTheWarningBarUnchecksItsMenuItem)

@@ -63,7 +63,13 @@ MainFrame::MainFrame(supervision::Supervisor& supervisor, DesktopSettings& setti
     const int tree = std::min(wanted, place.width / 2);  // the page is what the window is for
     m_splitter->setSizes({tree, place.width - tree});
     RegistryCame();
-    connect(&m_timer, &QTimer::timeout, this, [this] { UpdateAll(); });
+    connect(&m_timer, &QTimer::timeout, this, [this] {
+        // Nothing moves below the line that follows the mouse. The bar is asked, since a drag that another window ends
+        // isn't told of.
+        if (QWidget::mouseGrabber() != m_warnings.get()) {
+            UpdateAll();
+        }
+    });
 }
 
 MainFrame::~MainFrame()
@@ -296,15 +302,6 @@ bool MainFrame::OnMessage(unsigned message, std::uintptr_t wParam, std::intptr_t
 {
     if (message == kWarningSelectedMessage) {
         ShowDeviceOfWarning(static_cast<int>(lParam));
-        return true;
-    }
-    if (message == kBarDragMessage) {
-        // Nothing moves below the line that follows the mouse.
-        if (wParam == 0) {
-            m_timer.stop();
-        } else {
-            Run();
-        }
         return true;
     }
     return CFrameWnd::OnMessage(message, wParam, lParam);

@@ -1,6 +1,7 @@
 #include "hosts/kestrix/DesktopSettings.h"
 
 #include "platform/Registry.h"
+#include "siblings/tools/LanguageLocale.h"
 #include "siblings/tools/Utf.h"
 
 #include <algorithm>
@@ -116,6 +117,22 @@ private:
     bool m_isGood = false;
 };
 
+// Empty for one that there are no texts for: what another version has left must not keep this one from starting.
+std::string KnownLanguage(const std::string& title)
+{
+    const auto languages = LanguageLocales();
+    const bool isKnown = std::any_of(languages.begin(), languages.end(),
+                                     [&](const LanguageLocale& known) { return known.language == title; });
+    return isKnown ? title : std::string();
+}
+
+bool HoldsMiddle(const WindowPlace& screen, const WindowPlace& place)
+{
+    const int x = place.left + place.width / 2;
+    const int y = place.top + place.height / 2;
+    return x >= screen.left && x < screen.left + screen.width && y >= screen.top && y < screen.top + screen.height;
+}
+
 }  // namespace
 
 DesktopSettings DesktopSettings::Load(const ZRBasicString& registryKey)
@@ -131,7 +148,7 @@ DesktopSettings DesktopSettings::Load(const ZRBasicString& registryKey)
     }
     settings.window.isMaximised = reader.Number(u"WindowMaximised", 0, 0, 1) != 0;
     settings.treeWidth = reader.Number(u"TreeWidth", 0, 1, kFarthest);
-    settings.language = Utf16ToUtf8(reader.Text(u"Language"));
+    settings.language = KnownLanguage(Utf16ToUtf8(reader.Text(u"Language")));
     settings.colours = static_cast<Colours>(reader.Number(u"Colours", 0, 0, 2));
     settings.showsToolbar = reader.Number(u"Toolbar", 1, 0, 1) != 0;
     settings.showsStatusBar = reader.Number(u"StatusBar", 1, 0, 1) != 0;
@@ -168,8 +185,11 @@ bool DesktopSettings::Store(const ZRBasicString& registryKey) const
     return writer.IsGood();
 }
 
-WindowPlace FitToScreen(const WindowPlace& place, const WindowPlace& screen)
+WindowPlace FitToScreens(const WindowPlace& place, std::span<const WindowPlace> screens)
 {
+    const auto found =
+        std::find_if(screens.begin(), screens.end(), [&](const WindowPlace& each) { return HoldsMiddle(each, place); });
+    const WindowPlace& screen = found != screens.end() ? *found : screens.front();
     WindowPlace fitted = place;
     if (fitted.width <= 0 || fitted.height <= 0) {
         fitted.width = kDefaultWidth;

@@ -4,6 +4,7 @@
 #include "siblings/tools/ZRBasicString.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 namespace zr::desktop {
@@ -42,7 +43,8 @@ struct DesktopSettings {
     bool Store(const ZRBasicString& registryKey) const;
 };
 
-// The place moved and shrunk so that it lies on the screen; the default size in the middle of it when none is known.
-[[nodiscard]] WindowPlace FitToScreen(const WindowPlace& place, const WindowPlace& screen);
+// The place moved and shrunk so that it lies on the screen that holds its middle, else on the first one; the default
+// size in the middle of that when none is known. screens: at least one.
+[[nodiscard]] WindowPlace FitToScreens(const WindowPlace& place, std::span<const WindowPlace> screens);
 
 }  // namespace zr::desktop

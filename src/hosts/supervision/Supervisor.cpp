@@ -137,7 +137,8 @@ Supervisor::Taking Supervisor::TakeLock(const std::filesystem::path& document)
     auto lock = std::make_unique<ProcessLock>();
     const ProcessLock::Result result = lock->Take(document, m_program);
     if (result == ProcessLock::Result::Failed) {
-        m_host.Complain(fmt::format("{}: {}", TextOfPath(document), lock->Reason()));
+        m_lockProblem = lock->Reason();
+        m_host.Complain(fmt::format("{}: {}", TextOfPath(document), m_lockProblem));
         return Taking::BadInput;
     }
     m_lock = std::move(lock);

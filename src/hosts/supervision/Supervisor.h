@@ -93,6 +93,8 @@ public:
     [[nodiscard]] bool IsOurs() const { return m_isOurs; }
     [[nodiscard]] int OtherProcess() const { return m_lock->OtherProcess(); }
     [[nodiscard]] const std::string& OtherProgram() const { return m_lock->OtherProgram(); }
+    // Why the last document that could be read was not taken.
+    [[nodiscard]] const std::string& LockProblem() const { return m_lockProblem; }
 
 private:
     bool LoadProfiles();
@@ -113,6 +115,7 @@ private:
     std::map<std::string, std::unique_ptr<Language>> m_languages;
     ZRKestrixSetup m_setup;
     std::unique_ptr<ProcessLock> m_lock;
+    std::string m_lockProblem;
     bool m_isOurs = false;
     ZRDebugInfo m_warnings;
     ZRMainCfg m_document;

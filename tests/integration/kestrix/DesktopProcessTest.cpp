@@ -2,6 +2,9 @@
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <QImage>
 #include <set>
 #include <string>
@@ -48,6 +51,19 @@ protected:
                        port +
                        "\"><Device Name=\"METER-1\" Profile=\"EM3\" Unit=\"1\" Scale=\"1\"/></Converter></Plant>\n")
             .string();
+    }
+
+    // Everything below the folder, and at least one file, is the user's alone.
+    static void ExpectPrivate(const std::filesystem::path& folder)
+    {
+        using std::filesystem::perms;
+        int found = 0;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+            EXPECT_EQ(entry.symlink_status().permissions() & (perms::group_all | perms::others_all), perms::none)
+                << entry.path();
+            ++found;
+        }
+        EXPECT_GT(found, 0) << folder;
     }
 
     static std::size_t ColoursIn(const QImage& image)
@@ -167,6 +183,44 @@ TEST_F(DesktopProcessTest, ADocumentOfAnotherProgramIsShownWithoutPolling)
     EXPECT_EQ(service.WaitForExit(), 0);
 }
 
+TEST_F(DesktopProcessTest, PublishesWhatItShowsAndTellsItsClientsWhenItEnds)
+{
+    Process plant({ZR_PLANT, Plant("47326"), "--until-eof"});
+    ASSERT_TRUE(plant.ReadLineWith("NORTH").has_value()) << plant.Errors();
+    Process desktop({ZR_KESTRIX, Document("47326"), "--service", "HALL"}, Environment());
+    ASSERT_TRUE(desktop.ReadErrorLine([](const std::string& line) {
+        return line.find("as service HALL") != std::string::npos;
+    })) << desktop.Errors();
+    Process client({ZR_CLIENT, "advise", "HALL", "METER-1", "U1", "--timeout", "60"}, Environment());
+    const auto line = client.ReadLineWith("U1");
+    ASSERT_TRUE(line) << client.Errors();
+    const double voltage = std::stod(line->substr(line->rfind('\t') + 1));
+    EXPECT_GT(voltage, 200.0) << *line;
+    EXPECT_LT(voltage, 260.0) << *line;
+    desktop.Send(SIGTERM);
+    EXPECT_EQ(desktop.WaitForExit(), 0) << desktop.Errors();
+    EXPECT_EQ(client.WaitForExit(), 3) << client.Errors();
+}
+
+TEST_F(DesktopProcessTest, AHangUpReadsTheDocumentAgain)
+{
+    Process desktop({ZR_KESTRIX, Document("47327"), "--no-publication"}, Environment());
+    ASSERT_TRUE(
+        desktop.ReadErrorLine([](const std::string& line) { return line.find("window") != std::string::npos; }));
+    m_folder.Write("one.xml", "<Kestrix><Broken</Kestrix>");
+    desktop.Send(SIGHUP);
+    ASSERT_TRUE(desktop.ReadErrorLine([](const std::string& line) {
+        return line.find("goes on with the old one") != std::string::npos;
+    })) << desktop.Errors();
+    const std::string document = Document("47327");
+    desktop.Send(SIGHUP);
+    ASSERT_TRUE(desktop.ReadErrorLine([&](const std::string& line) {
+        return line.find("event: ") != std::string::npos && line.find(document) != std::string::npos;
+    })) << desktop.Errors();
+    desktop.Send(SIGTERM);
+    EXPECT_EQ(desktop.WaitForExit(), 0) << desktop.Errors();
+}
+
 TEST_F(DesktopProcessTest, EndsOnASignalAndRemembersItsWindow)
 {
     Process desktop({ZR_KESTRIX, Document("47325"), "--no-publication"}, Environment());
@@ -183,6 +237,9 @@ TEST_F(DesktopProcessTest, EndsOnASignalAndRemembersItsWindow)
     }
     EXPECT_NE(registry.find("WindowWidth"), std::string::npos);
     EXPECT_NE(registry.find("METER-1"), std::string::npos);
+    ExpectPrivate(m_folder / "config");
+    ExpectPrivate(m_folder / "data");
+    ExpectPrivate(m_folder / "run");
 }
 
 }  // namespace

@@ -115,6 +115,13 @@ protected:
         driver->Store()->At(*index).WriteNumber(value);
     }
 
+    // What is selected in the tree.
+    ZRBasicString ShownNode() const
+    {
+        const std::size_t node = m_frame->Tree().SelectedNode();
+        return node != DeviceTree::kNone ? m_frame->Tree().Tree()[node].text : ZRBasicString(u"none");
+    }
+
     void Command(unsigned id) { ui::SendCommand(m_frame.get(), id, 0, nullptr); }
 
     test::TempFolder m_folder;

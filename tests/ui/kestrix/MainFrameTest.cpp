@@ -1,18 +1,16 @@
 #include "DesktopFixture.h"
 #include "diagnostics/DiagnosticsIds.h"
+#include "diagnostics/ui/CDebugDlgBar.h"
 #include "hosts/kestrix/ui/DevicePageView.h"
 #include "hosts/kestrix/ui/GroupPageView.h"
 #include "hosts/kestrix/ui/InfoDlg.h"
-#include "hosts/kestrix/ui/PageSetupDlg.h"
 #include "platform/ProcessLock.h"
 #include "platform/ui/CDialog.h"
 #include "platform/ui/CListCtrl.h"
 #include "siblings/driversupport/DeviceWarning.h"
 
 #include <cstring>
-#include <fstream>
 #include <QClipboard>
-#include <QComboBox>
 #include <QContextMenuEvent>
 #include <QLabel>
 #include <QMenuBar>
@@ -26,12 +24,6 @@ namespace {
 
 class MainFrameTest : public DesktopFixture {
 protected:
-    ZRBasicString ShownNode() const
-    {
-        const std::size_t node = m_frame->Tree().SelectedNode();
-        return node != DeviceTree::kNone ? m_frame->Tree().Tree()[node].text : ZRBasicString(u"none");
-    }
-
     ZRValueControl* NumberOf(const QString& reference) const
     {
         for (auto* const control : m_frame->Page()->findChildren<ZRValueControl*>()) {
@@ -187,102 +179,6 @@ TEST_F(MainFrameTest, TheRightButtonSelectsAValueAndOffersItsLinks)
     menu->close();
 }
 
-TEST_F(MainFrameTest, OpensAnotherDocument)
-{
-    Start();
-    const auto other = m_folder.Write("other.xml", Document("A-1", "A-2"));
-    ASSERT_TRUE(m_frame->OpenDocument(other));
-    EXPECT_EQ(ShownNode(), u"A-1");
-    EXPECT_EQ(m_frame->windowTitle(), "other.xml - Kestrix");
-    EXPECT_FALSE(m_frame->ShowDevice(u"METER-1"));
-}
-
-TEST_F(MainFrameTest, TellsWhereADocumentCannotBeReadAndKeepsTheOldOne)
-{
-    Start();
-    const auto bad = m_folder.Write("bad.xml", "<Kestrix>\n<Broken\n</Kestrix>");
-    EXPECT_FALSE(m_frame->OpenDocument(bad));
-    ASSERT_EQ(m_asked.size(), 1u);
-    EXPECT_NE(m_asked[0].find(u"bad.xml"), std::u16string::npos);
-    EXPECT_NE(m_asked[0].find(u"Line "), std::u16string::npos);
-    EXPECT_FALSE(m_frame->OpenDocument(m_folder / "none.xml"));
-    EXPECT_EQ(m_asked.size(), 2u);
-    EXPECT_EQ(ShownNode(), u"METER-1");
-}
-
-TEST_F(MainFrameTest, ReloadShowsTheDocumentAsItIsNowAndStaysOnThePage)
-{
-    Start();
-    m_frame->ShowDevice(u"METER-2");
-    m_folder.Write("plant.xml", Document("METER-9", "METER-2"));
-    Command(kCmdReload);
-    EXPECT_EQ(ShownNode(), u"METER-2");
-    EXPECT_TRUE(m_frame->ShowDevice(u"METER-9"));
-}
-
-TEST_F(MainFrameTest, ARenamedGroupIsSavedWithTheDocument)
-{
-    Start();
-    m_frame->Tree().topLevelItem(0)->setText(0, QStringLiteral("Cellar"));
-    m_frame->UpdateAll();
-    EXPECT_EQ(m_frame->windowTitle(), "*plant.xml - Kestrix");
-    Command(kCmdSave);
-    EXPECT_EQ(m_frame->windowTitle(), "plant.xml - Kestrix");
-    XmlDocument saved;
-    ASSERT_TRUE(saved.Load(m_document));
-    EXPECT_NE(saved.root->Node(u"DeviceGroups/Groups/Group?Id=Cellar?"), nullptr);
-}
-
-TEST_F(MainFrameTest, AGroupKeepsItsNameWhenNothingIsTyped)
-{
-    Start();
-    m_frame->Tree().topLevelItem(0)->setText(0, QStringLiteral("  "));
-    EXPECT_EQ(m_frame->Tree().topLevelItem(0)->text(0), "North");
-    EXPECT_FALSE(m_supervisor->IsModified());
-}
-
-TEST_F(MainFrameTest, UnsavedChangesAreAskedForOnQuit)
-{
-    Start();
-    m_frame->Tree().topLevelItem(0)->setText(0, QStringLiteral("Cellar"));
-    m_answer = static_cast<int>(ui::IDCANCEL);
-    EXPECT_FALSE(m_frame->close());
-    EXPECT_EQ(m_asked.size(), 1u);
-    m_answer = ui::IDYES;
-    EXPECT_TRUE(m_frame->close());
-    XmlDocument saved;
-    ASSERT_TRUE(saved.Load(m_document));
-    EXPECT_NE(saved.root->Node(u"DeviceGroups/Groups/Group?Id=Cellar?"), nullptr);
-}
-
-TEST_F(MainFrameTest, ReloadAsksBeforeItLosesChanges)
-{
-    Start();
-    m_frame->Tree().topLevelItem(0)->setText(0, QStringLiteral("Cellar"));
-    m_answer = ui::IDNO;
-    EXPECT_FALSE(m_frame->ReloadDocument());
-    EXPECT_TRUE(m_supervisor->IsModified());
-    m_answer = ui::IDYES;
-    EXPECT_TRUE(m_frame->ReloadDocument());
-    EXPECT_EQ(m_frame->Tree().topLevelItem(0)->text(0), "North");
-}
-
-TEST_F(MainFrameTest, TellsWhyADocumentCannotBeSaved)
-{
-    Start();
-    EXPECT_FALSE(m_frame->SaveDocumentAs(m_folder / "none" / "copy.xml"));
-    ASSERT_EQ(m_asked.size(), 1u);
-    EXPECT_NE(m_asked[0].find(u"copy.xml"), std::u16string::npos);
-}
-
-TEST_F(MainFrameTest, SaveAsGoesOverToTheCopy)
-{
-    Start();
-    ASSERT_TRUE(m_frame->SaveDocumentAs(m_folder / "copy.xml"));
-    EXPECT_EQ(m_frame->windowTitle(), "copy.xml - Kestrix");
-    EXPECT_EQ(m_supervisor->Options().document, m_folder / "copy.xml");
-}
-
 TEST_F(MainFrameTest, LanguagesSwitchTextsAndNumbersAtOnce)
 {
     Start();
@@ -330,6 +226,19 @@ TEST_F(MainFrameTest, TheSelectedValueStaysSelectedInAnotherLanguage)
     EXPECT_EQ(m_frame->Page()->Selection()->name, u"F");
 }
 
+TEST_F(MainFrameTest, AnotherLanguageForgetsNoMark)
+{
+    Start();
+    for (const double value : {49.97, 50.03, 50.0}) {
+        Write(u"METER-1", u"F", value);
+        m_frame->UpdateAll();
+    }
+    QTest::mouseClick(NumberOf("METER-1.F"), Qt::LeftButton);
+    Command(kCmdLanguageGerman);
+    EXPECT_TRUE(MarkText().contains("49,97")) << MarkText().toStdString();
+    EXPECT_TRUE(MarkText().contains("50,03")) << MarkText().toStdString();
+}
+
 TEST_F(MainFrameTest, ColoursSwitchAtOnce)
 {
     Start();
@@ -367,6 +276,24 @@ TEST_F(MainFrameTest, AWarningOfAConnectionShowsItsFirstDevice)
     WarningList()->SetItemState(WarningList()->GetItemCount() - 1, ui::LVIS_SELECTED, ui::LVIS_SELECTED);
     Settle();
     EXPECT_EQ(ShownNode(), u"METER-1");
+}
+
+TEST_F(MainFrameTest, ValuesGoOnAfterADragOfTheWarningBarThatAnotherWindowEnds)
+{
+    Start();
+    m_frame->Run();
+    auto* const bar = m_frame->findChild<CDebugDlgBar*>();
+    ASSERT_NE(bar, nullptr);
+    const QPoint edge = bar->mapTo(m_frame.get(), QPoint(200, 1));
+    QTest::mouseMove(m_frame->windowHandle(), edge);
+    QTest::mousePress(m_frame->windowHandle(), Qt::LeftButton, {}, edge);
+    Settle();
+    ASSERT_EQ(QWidget::mouseGrabber(), bar);
+    QEvent lost(QEvent::WindowDeactivate);
+    QApplication::sendEvent(bar, &lost);
+    Write(u"METER-1", u"F", 49.98);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return NumberOf("METER-1.F")->SpokenText() == "49.98"; }));
+    QTest::mouseRelease(m_frame->windowHandle(), Qt::LeftButton, {}, edge);
 }
 
 TEST_F(MainFrameTest, ClosingTheWarningBarUnchecksItsMenuItem)
@@ -503,22 +430,20 @@ TEST_F(MainFrameTest, AGroupOfManyDevicesIsLeafedThrough)
     EXPECT_EQ(NumberOf("M0.U1"), nullptr);
 }
 
-TEST_F(MainFrameTest, PageSetupIsKeptAndAPageIsPrinted)
+TEST_F(MainFrameTest, AKeptTreeWidthLeavesThePageHalfTheWindow)
+{
+    m_settings.window = {0, 0, 1000, 700, false};
+    m_settings.treeWidth = 90000;
+    Start();
+    EXPECT_GE(m_frame->findChild<QScrollArea*>()->width(), 490);
+}
+
+TEST_F(MainFrameTest, ToolTipsTellUnitAndLinkAndTakeNothingForMarkup)
 {
     Start();
-    ui::SetModalHook([](QDialog& dialog) {
-        dialog.findChild<QComboBox*>(QString::number(kOrientationBox))->setCurrentIndex(1);
-        dialog.accept();
-    });
-    Command(kCmdPageSetup);
-    ui::SetModalHook(nullptr);
-    EXPECT_TRUE(m_settings.isLandscape);
-    const auto file = m_folder / "page.pdf";
-    ASSERT_TRUE(PrintPageToFile(*m_frame->Page(), m_settings, QString::fromStdString(file.string())));
-    std::ifstream stream(file);
-    std::string head(5, '\0');
-    stream.read(head.data(), 5);
-    EXPECT_EQ(head, "%PDF-");
+    EXPECT_TRUE(NumberOf("METER-1.U1")->toolTip().contains("(V)")) << NumberOf("METER-1.U1")->toolTip().toStdString();
+    EXPECT_EQ(PlainTip("<img src='x'>"), "<p style='white-space:pre-wrap'>&lt;img src='x'&gt;</p>");
+    EXPECT_EQ(PlainTip("Voltage < 3 V"), "Voltage < 3 V");
 }
 
 TEST_F(MainFrameTest, AboutTellsTheVersion)

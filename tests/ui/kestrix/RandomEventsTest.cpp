@@ -1,4 +1,6 @@
 #include "DesktopFixture.h"
+#include "dialogs/ui/CGoToDateDlg.h"
+#include "dialogs/ui/CPasswordDlg.h"
 #include "hosts/kestrix/ui/PageSetupDlg.h"
 
 #include <chrono>
@@ -127,7 +129,9 @@ TEST_F(RandomEventsTest, TheDialogsNeitherCrashNorFreeze)
     CloseModalWindows();
     Monkey monkey(7);
     CDialog* const pageSetup = new PageSetupDlg(m_frame.get(), m_settings);
-    for (CDialog* const made : {m_frame->NewAboutDialog(), m_frame->NewKeysDialog(), pageSetup}) {
+    CDialog* const password = new CPasswordDlg(m_frame.get(), ZRBasicString(u"secret"), 8, false, -1);
+    CDialog* const goToDate = new CGoToDateDlg(m_frame.get());
+    for (CDialog* const made : {m_frame->NewAboutDialog(), m_frame->NewKeysDialog(), pageSetup, password, goToDate}) {
         const std::unique_ptr<CDialog> dialog(made);
         dialog->Create();
         for (int i = 0; i < kEvents; ++i) {

@@ -38,6 +38,12 @@ TEST_F(SnapshotTest, TakesEveryKindOfPageInLightAndDark)
     }
     const QImage page(QString::fromStdString((m_folder.Path() / "out" / "device-EM3-light.png").string()));
     EXPECT_EQ(page.size(), m_frame->size() * m_frame->devicePixelRatio());
+    using std::filesystem::perms;
+    for (const auto& [path, expected] :
+         {std::pair(m_folder / "out", perms::owner_all),
+          std::pair(m_folder / "out" / "group-dark.png", perms::owner_read | perms::owner_write)}) {
+        EXPECT_EQ(std::filesystem::status(path).permissions(), expected) << path;
+    }
 }
 
 TEST_F(SnapshotTest, TellsWhichFolderCannotBeMade)

@@ -69,6 +69,30 @@ TEST_F(DesktopSettingsTest, ValuesThatMakeNoSenseHaveTheirDefault)
     EXPECT_TRUE(loaded.language.empty());
 }
 
+TEST_F(DesktopSettingsTest, ALanguageWithoutTextsIsForgotten)
+{
+    for (const char* const language : {"fr", "../../en", "EN", " en"}) {
+        DesktopSettings settings;
+        settings.language = language;
+        ASSERT_TRUE(settings.Store(u"Software\\Kestrix"));
+        EXPECT_EQ(DesktopSettings::Load(u"Software\\Kestrix").language, "") << language;
+    }
+}
+
+WindowPlace FitToScreen(const WindowPlace& place, const WindowPlace& screen)
+{
+    return FitToScreens(place, std::span(&screen, 1));
+}
+
+TEST(WindowPlaceTest, StaysOnTheScreenThatHoldsItsMiddle)
+{
+    const WindowPlace screens[] = {{0, 0, 1024, 700, false}, {-1920, -100, 1920, 1080, false}};
+    EXPECT_EQ(FitToScreens({-1900, 20, 800, 600, false}, screens).left, -1900);
+    EXPECT_EQ(FitToScreens({-2100, 20, 800, 600, false}, screens).left, -1920);
+    EXPECT_EQ(FitToScreens({-100, 20, 800, 600, false}, screens).left, 0);
+    EXPECT_EQ(FitToScreens({3000, 20, 800, 600, false}, screens).left, 224) << "a screen that is gone";
+}
+
 TEST(WindowPlaceTest, IsMovedAndShrunkToFitTheScreen)
 {
     const WindowPlace screen{0, 0, 1024, 700, false};

@@ -50,6 +50,7 @@ private:
     bool Prepare();
     void StartTimers();
     void TakeSignals();
+    void ReloadUnlessModified();
     int TakePictures();
 
     DesktopOptions m_options;
@@ -61,6 +62,7 @@ private:
     std::unique_ptr<StopSignals> m_signals;
     QTimer m_publicationTimer;
     QTimer m_signalTimer;
+    bool m_isReloadAsked = false;
 };
 
 Desktop::Desktop(const DesktopOptions& options, QApplication& application)
@@ -102,7 +104,9 @@ int Desktop::Run()
     QApplication::processEvents();
     Log("the window is shown");
     const int status = QApplication::exec();
-    m_settings.Store(ZRKestrixSetup::Get().registryKey);
+    if (!m_settings.Store(ZRKestrixSetup::Get().registryKey)) {
+        Log("the places of the windows can't be kept: the user's settings can't be written");
+    }
     return status;
 }
 
@@ -146,12 +150,27 @@ void Desktop::TakeSignals()
 {
     const StopSignal signal = m_signals->WaitForSignal(std::chrono::milliseconds(0));
     if (signal == StopSignal::HangUp) {
-        m_supervisor.Reload();
+        m_isReloadAsked = true;
     } else if (signal != StopSignal::None) {
         // Whoever sends it can't answer questions.
         m_frame->KeepSettings();
         QApplication::quit();
     }
+    // A dialog may hold what goes with the old document.
+    if (m_isReloadAsked && QApplication::activeModalWidget() == nullptr) {
+        m_isReloadAsked = false;
+        ReloadUnlessModified();
+    }
+}
+
+void Desktop::ReloadUnlessModified()
+{
+    if (m_supervisor.IsModified()) {
+        Log(fmt::format("{}: has changes that are not saved, so it is not read again",
+                        TextOfPath(m_supervisor.Options().document)));
+        return;
+    }
+    m_supervisor.Reload();
 }
 
 int Desktop::TakePictures()

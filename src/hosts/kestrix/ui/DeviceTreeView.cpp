@@ -71,7 +71,7 @@ void DeviceTreeView::Add(std::size_t node, HTREEITEM parent)
     const DeviceTree::Node& shown = m_tree[node];
     HTREEITEM const item = InsertItem(ui::FromQt(TextOf(shown)), QIcon(), parent);
     SetItemData(item, node);
-    item->setToolTip(0, TextOf(shown));
+    item->setToolTip(0, PlainTip(TextOf(shown)));
     if (shown.kind == DeviceTree::Kind::Group) {
         item->setFlags(item->flags() | Qt::ItemIsEditable);
     }
@@ -102,7 +102,7 @@ void DeviceTreeView::UpdateStates(const PlantWatch& watch)
             icon = WithState(ui::NamedImage(picture), state);
         }
         SetItemImage(m_items[node], icon);
-        m_items[node]->setToolTip(0, TextOf(m_tree[node]) + QStringLiteral(": ") + StateText(state));
+        m_items[node]->setToolTip(0, PlainTip(TextOf(m_tree[node]) + QStringLiteral(": ") + StateText(state)));
         // For screen readers, which see no pictures.
         m_items[node]->setData(0, Qt::AccessibleDescriptionRole, StateText(state));
     }

@@ -19,6 +19,7 @@
 #include <QStatusBar>
 #include <QToolButton>
 #include <utility>
+#include <vector>
 
 namespace zr::desktop {
 namespace {
@@ -29,6 +30,16 @@ constexpr const wchar* kProfile = u"Main";  // of the warning bar's sizes
 WindowPlace PlaceOf(const QRect& rect)
 {
     return {rect.left(), rect.top(), rect.width(), rect.height(), false};
+}
+
+// The first one first.
+std::vector<WindowPlace> Screens()
+{
+    std::vector<WindowPlace> places{PlaceOf(QGuiApplication::primaryScreen()->availableGeometry())};
+    for (const QScreen* const screen : QGuiApplication::screens()) {
+        places.push_back(PlaceOf(screen->availableGeometry()));
+    }
+    return places;
 }
 
 }  // namespace
@@ -43,15 +54,22 @@ MainFrame::MainFrame(supervision::Supervisor& supervisor, DesktopSettings& setti
     MakeStatusBar();
     MakeWarningBar();
     MakeShortcuts();
-    const WindowPlace place = FitToScreen(settings.window, PlaceOf(screen()->availableGeometry()));
+    const WindowPlace place = FitToScreens(settings.window, Screens());
     setGeometry(place.left, place.top, place.width, place.height);
     if (place.isMaximised) {
         setWindowState(windowState() | Qt::WindowMaximized);
     }
-    const int tree = settings.treeWidth > 0 ? settings.treeWidth : m_tree->sizeHint().width();
-    m_splitter->setSizes({tree, std::max(place.width - tree, 1)});
+    const int wanted = settings.treeWidth > 0 ? settings.treeWidth : m_tree->sizeHint().width();
+    const int tree = std::min(wanted, place.width / 2);  // the page is what the window is for
+    m_splitter->setSizes({tree, place.width - tree});
     RegistryCame();
-    connect(&m_timer, &QTimer::timeout, this, [this] { UpdateAll(); });
+    connect(&m_timer, &QTimer::timeout, this, [this] {
+        // Nothing moves below the line that follows the mouse. The bar is asked, since a drag that another window ends
+        // isn't told of.
+        if (QWidget::mouseGrabber() != m_warnings.get()) {
+            UpdateAll();
+        }
+    });
 }
 
 MainFrame::~MainFrame()
@@ -68,20 +86,29 @@ void MainFrame::Run()
 
 void MainFrame::RegistryGoes()
 {
-    if (m_watch == nullptr) {
-        return;
+    if (m_watch != nullptr) {
+        LeaveRegistry();
+        m_watch.reset();
     }
-    m_settings.page = m_shownNode != DeviceTree::kNone ? m_tree->Tree().PathOf(m_shownNode) : ZRBasicString();
-    m_isFilling = true;
-    SetPage(nullptr);
-    m_tree->Show({});
-    m_isFilling = false;
-    m_watch.reset();
 }
 
 void MainFrame::RegistryCame()
 {
     m_watch = std::make_unique<PlantWatch>();
+    ShowRegistry();
+}
+
+void MainFrame::LeaveRegistry()
+{
+    m_settings.page = m_shownNode != DeviceTree::kNone ? m_tree->Tree().PathOf(m_shownNode) : ZRBasicString();
+    m_isFilling = true;
+    SetPage(nullptr);
+    m_tree->Show({});
+    m_isFilling = false;
+}
+
+void MainFrame::ShowRegistry()
+{
     m_watch->Update(ZRDebugInfo::Get(), m_supervisor.IsOurs());
     ZRMainCfg& document = m_supervisor.Document();
     m_isFilling = true;
@@ -275,15 +302,6 @@ bool MainFrame::OnMessage(unsigned message, std::uintptr_t wParam, std::intptr_t
 {
     if (message == kWarningSelectedMessage) {
         ShowDeviceOfWarning(static_cast<int>(lParam));
-        return true;
-    }
-    if (message == kBarDragMessage) {
-        // Nothing moves below the line that follows the mouse.
-        if (wParam == 0) {
-            m_timer.stop();
-        } else {
-            Run();
-        }
         return true;
     }
     return CFrameWnd::OnMessage(message, wParam, lParam);

@@ -93,6 +93,9 @@ private:
     void Translate();
     void CheckItems();
 
+    // Tree and page, away and anew; what is known of the devices since the start stays.
+    void LeaveRegistry();
+    void ShowRegistry();
     void ShowPage();
     void SetPage(PageView* page);
     void RestorePage();

@@ -1,5 +1,7 @@
 // What the main window does on a command.
 #include "dde/LinkText.h"
+#include "diagnostics/DiagnosticsIds.h"
+#include "diagnostics/ui/CDebugDlgBar.h"
 #include "hosts/kestrix/ui/Commands.h"
 #include "hosts/kestrix/ui/InfoDlg.h"
 #include "hosts/kestrix/ui/MainFrame.h"
@@ -15,8 +17,7 @@
 #include <QFileDialog>
 #include <QScrollArea>
 #include <QStatusBar>
-#include "diagnostics/DiagnosticsIds.h"
-#include "diagnostics/ui/CDebugDlgBar.h"
+#include <system_error>
 
 namespace zr::desktop {
 namespace {
@@ -236,6 +237,9 @@ bool MainFrame::Adopt(const std::filesystem::path& document)
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const bool good = m_supervisor.Open(document);
     QApplication::restoreOverrideCursor();
+    if (!good) {
+        Tell(FilledText(kTextErrorOpen, {FileText(document), Utf8ToUtf16(m_supervisor.LockProblem())}));
+    }
     ShowBanner();
     ShowStatus();
     ShowWarnings();
@@ -295,7 +299,9 @@ void MainFrame::AskForDocument()
 {
     const QString filter =
         QStringLiteral("%1 (*.xml);;%2 (*)").arg(LoadText(kTextFilterDocuments), LoadText(kTextFilterAllFiles));
-    const QString folder = ui::ToQt(FileText(std::filesystem::absolute(m_supervisor.Options().document).parent_path()));
+    std::error_code ignored;  // the folder that the program was started in may be gone
+    const std::filesystem::path shown = std::filesystem::absolute(m_supervisor.Options().document, ignored);
+    const QString folder = ui::ToQt(FileText(shown.parent_path()));
     const QString file = QFileDialog::getOpenFileName(this, LoadText(kTextTitleOpen), folder, filter);
     if (!file.isEmpty()) {
         OpenDocument(PathFromText(ui::FromQt(file)));

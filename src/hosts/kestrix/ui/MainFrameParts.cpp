@@ -285,8 +285,8 @@ void MainFrame::Translate()
     MakeWarningBar();
     m_tree->setAccessibleName(LoadText(kTextTreeDevices));
     const std::optional<ValueRef> selection = m_page != nullptr ? m_page->Selection() : std::nullopt;
-    RegistryGoes();
-    RegistryCame();
+    LeaveRegistry();
+    ShowRegistry();
     if (m_page != nullptr) {
         m_page->Select(selection);
     }

@@ -1,11 +1,13 @@
 #include "hosts/kestrix/ui/PageSetupDlg.h"
 
 #include "hosts/kestrix/ui/Commands.h"
+#include "hosts/kestrix/ui/PageView.h"
 #include "hosts/kestrix/ui/Theme.h"
 #include "hosts/kestrix/ui/UiTexts.h"
 #include "platform/ui/CButton.h"
 
 #include <algorithm>
+#include <iterator>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -30,20 +32,22 @@ constexpr Paper kPapers[] = {{"A3", QPageSize::A3},       {"A4", QPageSize::A4},
                              {"A5", QPageSize::A5},       {"Letter", QPageSize::Letter},
                              {"Legal", QPageSize::Legal}, {"Tabloid", QPageSize::Tabloid}};
 
+const Paper& PaperNamed(const std::string& name)
+{
+    const auto found =
+        std::find_if(std::begin(kPapers), std::end(kPapers), [&](const Paper& paper) { return name == paper.name; });
+    return found != std::end(kPapers) ? *found : kPapers[1];  // A4
+}
+
 QPageLayout LayoutOf(const DesktopSettings& settings)
 {
-    QPageSize::PageSizeId size = QPageSize::A4;
-    for (const Paper& paper : kPapers) {
-        if (settings.paper == paper.name) {
-            size = paper.size;
-        }
-    }
     const qreal margin = settings.margin;
-    return QPageLayout(QPageSize(size), settings.isLandscape ? QPageLayout::Landscape : QPageLayout::Portrait,
+    return QPageLayout(QPageSize(PaperNamed(settings.paper).size),
+                       settings.isLandscape ? QPageLayout::Landscape : QPageLayout::Portrait,
                        QMarginsF(margin, margin, margin, margin), QPageLayout::Millimeter);
 }
 
-// The page as wide as the paper, over as many sheets as it takes; in light colours, which paper asks for.
+// The page as wide as the paper, over as many sheets as it takes.
 bool Paint(QWidget& page, QPrinter& printer)
 {
     QPainter painter;
@@ -66,16 +70,19 @@ bool Paint(QWidget& page, QPrinter& printer)
     return painter.end();
 }
 
-bool PaintLight(QWidget& page, QPrinter& printer)
+// chosen: in force now and afterwards.
+bool PaintLight(PageView& page, QPrinter& printer, Colours chosen)
 {
-    const bool wasDark = IsDark();
-    if (wasDark) {
-        UseColours(Colours::Light);
-    }
+    const bool isDark = IsDark();
+    const auto use = [&](Colours colours) {
+        if (isDark) {
+            UseColours(colours);
+            page.TakeColours();
+        }
+    };
+    use(Colours::Light);
     const bool good = Paint(page, printer);
-    if (wasDark) {
-        UseColours(Colours::Dark);
-    }
+    use(chosen);
     return good;
 }
 
@@ -95,7 +102,7 @@ PageSetupDlg::PageSetupDlg(QWidget* parent, const DesktopSettings& settings)
     for (const Paper& paper : kPapers) {
         m_paper->addItem(QLatin1String(paper.name));
     }
-    m_paper->setCurrentText(QString::fromStdString(settings.paper));
+    m_paper->setCurrentText(QLatin1String(PaperNamed(settings.paper).name));
     m_orientation->addItems({LoadText(kTextPortrait), LoadText(kTextLandscape)});
     m_orientation->setCurrentIndex(settings.isLandscape ? 1 : 0);
     m_margin->setRange(0, kMostMargin);
@@ -127,21 +134,21 @@ void PageSetupDlg::OnOK()
     CDialog::OnOK();
 }
 
-bool PrintPage(QWidget& page, const DesktopSettings& settings, QWidget* parent)
+bool PrintPage(PageView& page, const DesktopSettings& settings, QWidget* parent)
 {
     QPrinter printer(QPrinter::HighResolution);
     printer.setPageLayout(LayoutOf(settings));
     QPrintDialog dialog(&printer, parent);
-    return dialog.exec() != QDialog::Accepted || PaintLight(page, printer);
+    return dialog.exec() != QDialog::Accepted || PaintLight(page, printer, settings.colours);
 }
 
-bool PrintPageToFile(QWidget& page, const DesktopSettings& settings, const QString& file)
+bool PrintPageToFile(PageView& page, const DesktopSettings& settings, const QString& file)
 {
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
     printer.setOutputFileName(file);
     printer.setPageLayout(LayoutOf(settings));
-    return PaintLight(page, printer);
+    return PaintLight(page, printer, settings.colours);
 }
 
 }  // namespace zr::desktop

@@ -9,6 +9,8 @@ class QSpinBox;
 
 namespace zr::desktop {
 
+class PageView;
+
 // Edits a copy of the settings; the caller takes it over on OK.
 class PageSetupDlg : public CDialog {
 public:
@@ -26,9 +28,10 @@ private:
     QSpinBox* m_margin;
 };
 
-// Prints a page with those settings, on the printer that the user picks. False when it can't be printed.
-bool PrintPage(QWidget& page, const DesktopSettings& settings, QWidget* parent);
+// Prints a page with those settings and in light colours, on the printer that the user picks. False when it can't be
+// printed.
+bool PrintPage(PageView& page, const DesktopSettings& settings, QWidget* parent);
 // The same into a PDF file.
-bool PrintPageToFile(QWidget& page, const DesktopSettings& settings, const QString& file);
+bool PrintPageToFile(PageView& page, const DesktopSettings& settings, const QString& file);
 
 }  // namespace zr::desktop

@@ -19,6 +19,13 @@ constexpr int kBarHeight = 16;       // pixels
 constexpr int kBarFontSize = 90;     // tenths of a point
 constexpr int kVCentredRight = 128;  // alignment of ZRValueControl
 
+// What it is, its unit, and its name in links.
+QString TipOf(const ValueRef& ref, const PageRow& row)
+{
+    const QString unit = row.unit.IsEmpty() ? QString() : QStringLiteral(" (%1)").arg(ToQt(row.unit));
+    return ToQt(ref.description) + unit + QLatin1Char('\n') + ToQt(ref.device + u"." + ref.name);
+}
+
 }  // namespace
 
 QWidget& PageView::Value::Window() const
@@ -85,6 +92,7 @@ QWidget& PageView::AddValue(const ValueRef& ref, const PageRow& row)
     if (row.kind == RowKind::Text) {
         value.text = new TextValueControl(this, id);
         value.text->SetupVariable(reference.CStr());
+        value.text->Describe(TipOf(ref, row));
     } else {
         value.number = new ZRValueControl(this, id);
         value.number->SetDigital(row.kind == RowKind::Digital);
@@ -96,7 +104,7 @@ QWidget& PageView::AddValue(const ValueRef& ref, const PageRow& row)
     }
     QWidget& window = value.Window();
     window.setAccessibleName(ToQt(ref.device + u" " + ref.description));
-    window.setToolTip(ToQt(ref.description) + QLatin1Char('\n') + ToQt(reference));
+    window.setToolTip(PlainTip(TipOf(ref, row)));
     window.show();
     m_values.push_back(std::move(value));
     return window;
@@ -115,7 +123,7 @@ ZRBarValueControl& PageView::AddBar(const ValueRef& ref, const PageRow& row)
     bar->SetLabel(ref.name.CStr());
     bar->SetEnableSelection(true, false, false);
     bar->setAccessibleName(ToQt(ref.device + u" " + ref.description));
-    bar->setToolTip(ToQt(ref.description) + (row.unit.IsEmpty() ? QString() : QStringLiteral(", ") + ToQt(row.unit)));
+    bar->setToolTip(PlainTip(TipOf(ref, row)));
     bar->installEventFilter(this);
     bar->show();
     m_values.push_back({ref, nullptr, nullptr, bar});

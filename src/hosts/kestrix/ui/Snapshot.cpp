@@ -8,10 +8,10 @@
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QPixmap>
 #include <set>
-#include <system_error>
 
 namespace zr::desktop {
 namespace {
@@ -86,8 +86,10 @@ private:
     {
         const std::filesystem::path file = m_folder / (name + m_suffix + ".png");
         const std::string text = TextOfPath(file);
-        if (!picture.save(QString::fromStdString(text), "PNG")) {
-            m_problem = m_problem.empty() ? text + ": can't be written" : m_problem;
+        QBuffer bytes;
+        std::string reason = "can't be packed";
+        if (!picture.save(&bytes, "PNG") || !WriteFileReplacing(file, bytes.data().toStdString(), reason)) {
+            m_problem = m_problem.empty() ? text + ": " + reason : m_problem;
             return;
         }
         std::printf("%s\n", text.c_str());
@@ -104,10 +106,9 @@ private:
 
 bool SaveSnapshots(MainFrame& frame, const std::filesystem::path& folder, std::string& problem)
 {
-    std::error_code failed;
-    std::filesystem::create_directories(folder, failed);
-    if (failed) {
-        problem = TextOfPath(folder) + ": " + failed.message();
+    std::string reason;
+    if (!MakePrivateFolder(folder, reason)) {
+        problem = TextOfPath(folder) + ": " + reason;
         return false;
     }
     Camera camera(frame, folder);

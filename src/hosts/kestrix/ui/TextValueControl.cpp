@@ -23,6 +23,12 @@ void TextValueControl::SetupVariable(const wchar* name)
     m_variable.Lock();
 }
 
+void TextValueControl::Describe(const QString& tip)
+{
+    m_tip = tip;
+    setToolTip(PlainTip(m_text.isEmpty() ? tip : m_text + QLatin1Char('\n') + tip));
+}
+
 void TextValueControl::Update()
 {
     if (!m_variable.IsLocked()) {
@@ -31,7 +37,7 @@ void TextValueControl::Update()
     const QString text = QString::fromStdString(supervision::ValueText(m_variable));
     if (text != m_text) {
         m_text = text;
-        setToolTip(text);
+        Describe(m_tip);
         Invalidate();
     }
 }

@@ -16,6 +16,8 @@ public:
 
     // name: `driver.variable`; one that isn't there leaves the control blank.
     void SetupVariable(const wchar* name);
+    // What the tool tip tells after the text itself, which may be too long for the control.
+    void Describe(const QString& tip);
     void Update();
     void Select(bool isSelected);
     [[nodiscard]] bool Selected() const { return m_isSelected; }
@@ -32,6 +34,7 @@ private:
 
     ZRDriverVariable m_variable;
     QString m_text;
+    QString m_tip;
     bool m_isSelected = false;
 };
 

@@ -9,6 +9,7 @@
 
 #include <initializer_list>
 #include <QString>
+#include <QTextDocument>
 
 namespace zr::desktop {
 
@@ -33,6 +34,14 @@ inline QString ToQt(const ZRBasicString& text)
 inline ZRBasicString FromQt(const QString& text)
 {
     return {ui::FromQt(text)};
+}
+
+// A tool tip that shows the text as it stands: names and texts of devices are no markup.
+inline QString PlainTip(const QString& text)
+{
+    return Qt::mightBeRichText(text)
+               ? QStringLiteral("<p style='white-space:pre-wrap'>%1</p>").arg(text.toHtmlEscaped())
+               : text;
 }
 
 }  // namespace zr::desktop

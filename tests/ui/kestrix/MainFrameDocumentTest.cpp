@@ -62,7 +62,6 @@ TEST_F(MainFrameDocumentTest, ARenamedGroupIsSavedWithTheDocument)
 {
     Start();
     m_frame->Tree().topLevelItem(0)->setText(0, QStringLiteral("Cellar"));
-    m_frame->UpdateAll();
     EXPECT_EQ(m_frame->windowTitle(), "*plant.xml - Kestrix");
     Command(kCmdSave);
     EXPECT_EQ(m_frame->windowTitle(), "plant.xml - Kestrix");

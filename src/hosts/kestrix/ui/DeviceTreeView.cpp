@@ -141,6 +141,9 @@ void DeviceTreeView::Renamed(HTREEITEM item)
     } else if (text != TextOf(m_tree[node])) {
         m_tree.Rename(node, FromQt(text));
         item->setText(0, text);
+        if (m_onRename) {
+            m_onRename();
+        }
     }
     m_isFilling = false;
 }

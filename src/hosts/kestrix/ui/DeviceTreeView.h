@@ -6,6 +6,8 @@
 #include "hosts/kestrix/ui/Theme.h"
 #include "platform/ui/CTreeCtrl.h"
 
+#include <functional>
+#include <utility>
 #include <vector>
 
 namespace zr::desktop {
@@ -29,6 +31,8 @@ public:
     void SelectNode(std::size_t node);
     // The name of the selected group is typed anew.
     void EditSelectedGroup();
+    // Called when the user has renamed a group, which changes the document.
+    void OnRename(std::function<void()> listener) { m_onRename = std::move(listener); }
 
     [[nodiscard]] QSize sizeHint() const override { return {230, 400}; }
 
@@ -41,6 +45,7 @@ private:
     std::vector<HTREEITEM> m_items;     // by node
     std::vector<DeviceState> m_states;  // as shown, by node
     bool m_isFilling = false;
+    std::function<void()> m_onRename;
 };
 
 }  // namespace zr::desktop

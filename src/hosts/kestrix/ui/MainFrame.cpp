@@ -155,7 +155,6 @@ void MainFrame::UpdateAll()
     m_strip->UpdateValue();
     ShowStatus();
     ShowWarnings();
-    ShowTitle();
 }
 
 bool MainFrame::ShowNode(std::size_t node)

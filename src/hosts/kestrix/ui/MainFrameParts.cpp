@@ -66,6 +66,7 @@ void MainFrame::MakeCentre()
     // Its notices come to the frame.
     m_tree = new DeviceTreeView(this, kDeviceTree);
     m_tree->setMinimumWidth(120);
+    m_tree->OnRename([this] { ShowTitle(); });
     m_splitter->addWidget(m_tree);
 
     auto* const right = new QWidget(m_splitter);

@@ -105,7 +105,8 @@ protected:
     // Root may, where its machine has such a user.
     bool CanBecomeAnotherUser() const
     {
-        return AsAnotherUser([] { return 0; }) == 0;
+        const uid_t user = geteuid();
+        return AsAnotherUser([user] { return geteuid() != user ? 0 : kNotAnother; }) == 0;
     }
     // As seen from the test's folder.
     sockaddr_un RelativeAddress() const { return AddressOf(SocketPath().lexically_relative(m_folder)); }

@@ -32,6 +32,22 @@ inline Zone ZoneOf(controls::Rgb colour)
     return red == green && green == blue ? Zone::Grey : Zone::Other;
 }
 
+// A bar that counts how often it is painted, and shows what it decides by.
+template <typename Window>
+class CountingPaints : public Window {
+public:
+    using Window::Bar;
+    using Window::Window;
+    int paints = 0;
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        ++paints;
+        Window::paintEvent(event);
+    }
+};
+
 // Shows a bar of the variables METER.NOW, METER.HIGH and METER.LOW. Bar has the operations of the bar under test as
 // public ones, and counts its paints.
 template <typename Bar>

@@ -15,19 +15,7 @@ using zr::test::WindowPicture;
 using zr::test::Zone;
 using zr::test::ZoneOf;
 
-class CountingBar : public ZRBarValueControl {
-public:
-    using ZRBarValueControl::Bar;
-    using ZRBarValueControl::ZRBarValueControl;
-    int paints = 0;
-
-protected:
-    void paintEvent(QPaintEvent* event) override
-    {
-        ++paints;
-        ZRBarValueControl::paintEvent(event);
-    }
-};
+using CountingBar = zr::test::CountingPaints<ZRBarValueControl>;
 
 class ZRBarValueControlTest : public zr::test::BarWindowFixture<CountingBar> {
 protected:

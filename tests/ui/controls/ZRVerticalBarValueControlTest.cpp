@@ -16,19 +16,7 @@ using zr::test::ZoneOf;
 
 constexpr int kEverything = 1 | 2 | 4 | 8;
 
-class CountingBar : public ZRVerticalBarValueControl {
-public:
-    using ZRVerticalBarValueControl::Bar;
-    using ZRVerticalBarValueControl::ZRVerticalBarValueControl;
-    int paints = 0;
-
-protected:
-    void paintEvent(QPaintEvent* event) override
-    {
-        ++paints;
-        ZRVerticalBarValueControl::paintEvent(event);
-    }
-};
+using CountingBar = zr::test::CountingPaints<ZRVerticalBarValueControl>;
 
 class ZRVerticalBarValueControlTest : public zr::test::BarWindowFixture<CountingBar> {
 protected:

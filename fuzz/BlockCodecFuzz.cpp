@@ -1,5 +1,5 @@
 // Payloads of a damaged store, and any samples: what decodes has as many times as values and comes back bit for bit.
-#include "siblings/driversupport/BlockCodec.h"
+#include "siblings/driversupport/store/BlockCodec.h"
 
 #include <cstdlib>
 #include <cstring>

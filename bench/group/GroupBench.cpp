@@ -1,7 +1,7 @@
 // Grouping ten million logged values, a million records of ten, to 30 minutes, beside plain summing of the same memory.
 #include "BenchLine.h"
-#include "siblings/driversupport/MemoryLoggerStore.h"
 #include "siblings/driversupport/SampleGrouper.h"
+#include "siblings/driversupport/store/MemoryLoggerStore.h"
 #include "siblings/driversupport/VariableStore.h"
 #include "siblings/driversupport/ZRLoggerData.h"
 

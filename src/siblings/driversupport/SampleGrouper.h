@@ -1,7 +1,7 @@
 // The samples of one variable, made one value a period.
 #pragma once
 
-#include "siblings/driversupport/LoggerStore.h"
+#include "siblings/driversupport/store/LoggerStore.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -198,7 +198,7 @@ bool GroupColumn(zr::LoggerReader& reader, const ZRBasicString& variable, zr::Sa
         AddReading(grouper, sample);
     }
     GroupingVisitor visitor(grouper, steps, column, from, to);
-    if (!reader.ReadBlocks(variable, from, to, visitor)) {
+    if (!reader.ReadBlocks(variable, from, to, zr::LoggerNeed::Summaries, visitor)) {
         return false;
     }
     if (grouper.IsCounter() && reader.FirstFrom(variable, to, sample)) {
@@ -309,7 +309,8 @@ zr::RecordArena ZRLoggerData::BuildRecorded(zr::Progress* progress)
             columns[c].values.reserve(columns[c - 1].values.size());
         }
         CollectingVisitor visitor(columns[c], steps, c, m_from, m_to);
-        if (!m_columns[c].variable.IsEmpty() && !m_reader->ReadBlocks(m_columns[c].variable, m_from, m_to, visitor)) {
+        if (!m_columns[c].variable.IsEmpty() &&
+            !m_reader->ReadBlocks(m_columns[c].variable, m_from, m_to, zr::LoggerNeed::Samples, visitor)) {
             return {};
         }
     }

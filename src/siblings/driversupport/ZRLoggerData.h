@@ -1,8 +1,8 @@
 // The records of a logged data set, read for a range of time and grouped at sample periods.
 #pragma once
 
-#include "siblings/driversupport/LoggerStore.h"
 #include "siblings/driversupport/RecordArena.h"
+#include "siblings/driversupport/store/LoggerStore.h"
 #include "siblings/driversupport/ZRLoggerInfo.h"
 #include "siblings/tools/Progress.h"
 #include "siblings/tools/TimeZone.h"

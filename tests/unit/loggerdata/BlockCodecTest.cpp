@@ -1,4 +1,4 @@
-#include "siblings/driversupport/BlockCodec.h"
+#include "siblings/driversupport/store/BlockCodec.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>

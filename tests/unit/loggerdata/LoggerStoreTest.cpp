@@ -1,7 +1,7 @@
 // What every store of logged samples does; a new one joins the list at the end.
-#include "siblings/driversupport/LoggerStore.h"
+#include "siblings/driversupport/store/LoggerStore.h"
 
-#include "siblings/driversupport/MemoryLoggerStore.h"
+#include "siblings/driversupport/store/MemoryLoggerStore.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -53,12 +53,22 @@ protected:
 
     void Append(const std::vector<LoggerAppend>& batch) { EXPECT_TRUE(store->Append(batch)) << store->Error(); }
 
+    // Until there is nothing left to do.
+    void Maintain(std::int64_t now)
+    {
+        LoggerStore::Upkeep upkeep = LoggerStore::Upkeep::More;
+        while (upkeep == LoggerStore::Upkeep::More) {
+            upkeep = store->Maintain(now);
+        }
+        EXPECT_EQ(upkeep, LoggerStore::Upkeep::Done) << store->Error();
+    }
+
     Collector Read(const wchar* variable, std::int64_t from = 0,
                    std::int64_t to = std::numeric_limits<std::int64_t>::max())
     {
         Collector collector;
         const auto reader = store->OpenReader();
-        EXPECT_TRUE(reader != nullptr && reader->ReadBlocks(variable, from, to, collector));
+        EXPECT_TRUE(reader != nullptr && reader->ReadBlocks(variable, from, to, LoggerNeed::Samples, collector));
         return collector;
     }
 
@@ -148,7 +158,7 @@ TEST_P(LoggerStoreTest, TheVisitorEndsTheReading)
     Append({{series, kStart, 1.0}, {series, kStart + kHour, 2.0}});
     Collector collector;
     collector.limit = 1;
-    EXPECT_FALSE(store->OpenReader()->ReadBlocks(u"M.U", 0, kStart + 2 * kHour, collector));
+    EXPECT_FALSE(store->OpenReader()->ReadBlocks(u"M.U", 0, kStart + 2 * kHour, LoggerNeed::Samples, collector));
     EXPECT_EQ(collector.values, std::vector<double>{1.0});
 }
 
@@ -211,6 +221,84 @@ TEST_P(LoggerStoreTest, AnyDoubleComesBackBitForBit)
     }
 }
 
+TEST_P(LoggerStoreTest, KeepsDataSetsByName)
+{
+    store->OpenSeries(u"M.U", 1);
+    store->OpenSeries(u"M.I", 1);
+    const LoggerDataSet mains{u"mains", 60, 30, {u"M.I", u"M.U"}};
+    EXPECT_TRUE(store->SetDataSet(mains));
+    EXPECT_TRUE(store->SetDataSet({u"bays", 1, 0, {}}));
+    std::vector<LoggerDataSet> sets;
+    ASSERT_TRUE(store->OpenReader()->DataSets(sets));
+    EXPECT_EQ(sets, (std::vector<LoggerDataSet>{{u"bays", 1, 0, {}}, mains}));
+    EXPECT_TRUE(store->SetDataSet({u"mains", 10, 5, {u"M.U"}}));
+    ASSERT_TRUE(store->OpenReader()->DataSets(sets));
+    EXPECT_EQ(sets.at(1), (LoggerDataSet{u"mains", 10, 5, {u"M.U"}}));
+    EXPECT_FALSE(store->SetDataSet({u"mains", 10, 5, {u"M.NONE"}}));
+    EXPECT_FALSE(store->Error().empty());
+}
+
+TEST_P(LoggerStoreTest, UpkeepDropsWhatNoDataSetKeeps)
+{
+    const int kept = store->OpenSeries(u"M.E", 8);
+    const int dropped = store->OpenSeries(u"M.U", 1);
+    const int alone = store->OpenSeries(u"M.I", 1);
+    ASSERT_TRUE(store->SetDataSet({u"short", 1, 2, {u"M.E", u"M.U"}}));
+    ASSERT_TRUE(store->SetDataSet({u"long", 60, 0, {u"M.E"}}));
+    for (const int hours : {0, 24, 72}) {
+        const std::int64_t time = kStart + hours * kHour;
+        Append({{kept, time, 1.0}, {dropped, time, 2.0}, {alone, time, 3.0}});
+    }
+    Maintain(kStart + 72 * kHour);
+    EXPECT_EQ(Read(u"M.E").times.size(), 3u);
+    EXPECT_EQ(Read(u"M.U").times, (std::vector<std::int64_t>{kStart + 24 * kHour, kStart + 72 * kHour}));
+    EXPECT_EQ(Read(u"M.I").times.size(), 3u);
+}
+
+TEST_P(LoggerStoreTest, UpkeepChangesNothingThatIsKept)
+{
+    const int series = store->OpenSeries(u"M.U", 1);
+    std::vector<LoggerAppend> batch;
+    for (int i = 0; i < 400; ++i) {
+        batch.push_back({series, kStart + i * 60 * kSecond, i * 0.25});
+        if (i % 7 == 0) {
+            Append(batch);
+            batch.clear();
+        }
+    }
+    Append(batch);
+    const Collector before = Read(u"M.U");
+    Maintain(kStart + 100 * kHour);
+    const Collector after = Read(u"M.U");
+    EXPECT_EQ(after.times, before.times);
+    EXPECT_EQ(after.values, before.values);
+    // A sample that comes late takes its place all the same.
+    Append({{series, kStart + 30 * kSecond, 77.0}, {series, kStart, 78.0}});
+    Maintain(kStart + 100 * kHour);
+    const Collector late = Read(u"M.U", kStart, kStart + 60 * kSecond);
+    EXPECT_EQ(late.values.at(0), 78.0);
+    EXPECT_EQ(late.values.at(1), 77.0);
+}
+
+TEST_P(LoggerStoreTest, ACheckCountsAllAndFindsNothingWrong)
+{
+    const int series = store->OpenSeries(u"M.U", 1);
+    store->OpenSeries(u"M.I", 1);
+    Append({{series, kStart, 1.0}, {series, kStart + 1, 2.0}, {series, kStart + kHour, 2.0}});
+    LoggerCheck check;
+    ASSERT_TRUE(store->OpenReader()->Check(check, nullptr));
+    EXPECT_EQ(check.series, 2u);
+    EXPECT_EQ(check.packed + check.unpacked, 3u);
+    EXPECT_TRUE(check.findings.empty());
+    Maintain(kStart + 100 * kHour);
+    ASSERT_TRUE(store->OpenReader()->Check(check, nullptr));
+    EXPECT_EQ(check.blocks, 2u);
+    EXPECT_EQ(check.packed, 3u);
+    EXPECT_EQ(check.unpacked, 0u);
+    EXPECT_TRUE(check.findings.empty());
+    EXPECT_TRUE(store->TakeFindings().empty());
+}
+
 TEST_P(LoggerStoreTest, ReadersOnOtherThreadsSeeWholeBatchesInOrder)
 {
     constexpr std::size_t kBatches = 300;
@@ -248,7 +336,7 @@ TEST(MemoryLoggerStore, IsAwayWhileItIsSetSo)
     const auto reader = store.OpenReader();
     store.SetAvailable(false);
     Collector collector;
-    EXPECT_FALSE(reader->ReadBlocks(u"M.U", 0, 1, collector));
+    EXPECT_FALSE(reader->ReadBlocks(u"M.U", 0, 1, LoggerNeed::Samples, collector));
     EXPECT_EQ(store.OpenReader(), nullptr);
     EXPECT_EQ(store.OpenSeries(u"M.I", 1), -1);
     const std::vector<LoggerAppend> batch = {{series, kStart, 1.0}};

@@ -1,6 +1,6 @@
 #include "siblings/driversupport/ZRLoggerData.h"
 
-#include "siblings/driversupport/MemoryLoggerStore.h"
+#include "siblings/driversupport/store/MemoryLoggerStore.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>

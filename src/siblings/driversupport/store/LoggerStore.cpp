@@ -1,4 +1,4 @@
-#include "siblings/driversupport/LoggerStore.h"
+#include "siblings/driversupport/store/LoggerStore.h"
 
 #include <algorithm>
 #include <atomic>

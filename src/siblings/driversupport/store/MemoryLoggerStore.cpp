@@ -1,4 +1,4 @@
-#include "siblings/driversupport/MemoryLoggerStore.h"
+#include "siblings/driversupport/store/MemoryLoggerStore.h"
 
 #include <algorithm>
 
@@ -19,7 +19,7 @@ class MemoryLoggerReader final : public LoggerReader {
 public:
     explicit MemoryLoggerReader(const MemoryLoggerStore& store) : m_store(store) {}
 
-    bool ReadBlocks(const ZRBasicString& variable, std::int64_t from, std::int64_t to,
+    bool ReadBlocks(const ZRBasicString& variable, std::int64_t from, std::int64_t to, LoggerNeed,
                     LoggerBlockVisitor& visitor) override
     {
         std::vector<Shared> blocks;
@@ -78,6 +78,33 @@ public:
         const auto* const series = m_store.Find(variable);
         return series != nullptr ? series->infoCode : 0;
     }
+
+    bool DataSets(std::vector<LoggerDataSet>& sets) override
+    {
+        const std::lock_guard lock(m_store.m_guard);
+        sets.clear();
+        for (const auto& [name, set] : m_store.m_sets) {
+            sets.push_back(set);
+        }
+        return m_store.m_isAvailable;
+    }
+
+    // Memory holds what was put there.
+    bool Check(LoggerCheck& check, Progress*) override
+    {
+        const std::lock_guard lock(m_store.m_guard);
+        check = {};
+        check.series = m_store.m_series.size();
+        for (const auto& series : m_store.m_series) {
+            check.blocks += series.blocks.size();
+            for (const auto& [hour, block] : series.blocks) {
+                check.packed += block->times.size();
+            }
+        }
+        return true;
+    }
+
+    [[nodiscard]] std::string Error() const override { return m_store.Error(); }
 
 private:
     using Block = MemoryLoggerStore::Block;
@@ -190,6 +217,52 @@ void MemoryLoggerStore::AppendToBlock(Series& series, std::int64_t hour, std::sp
     }
     block->summary = Summarise(block->times, block->values);
     entry = block;
+}
+
+bool MemoryLoggerStore::SetDataSet(const LoggerDataSet& set)
+{
+    const std::lock_guard lock(m_guard);
+    m_error.clear();
+    const auto isKnown = [&](const ZRBasicString& variable) { return m_names.contains(variable); };
+    if (!m_isAvailable) {
+        m_error = "the store in memory is set away";
+    } else if (!std::all_of(set.variables.begin(), set.variables.end(), isKnown)) {
+        m_error = "the store in memory has no series for a variable of the data set";
+    } else {
+        m_sets[set.name] = set;
+    }
+    return m_error.empty();
+}
+
+LoggerStore::Upkeep MemoryLoggerStore::Maintain(std::int64_t now)
+{
+    constexpr std::int64_t kDay = 24 * kHour;
+    const std::lock_guard lock(m_guard);
+    if (!m_isAvailable) {
+        m_error = "the store in memory is set away";
+        return Upkeep::Failed;
+    }
+    for (const auto& [variable, number] : m_names) {
+        if (const std::int32_t days = RetentionOf(variable); days > 0) {
+            Blocks& blocks = m_series[static_cast<std::size_t>(number)].blocks;
+            blocks.erase(blocks.begin(), blocks.lower_bound(HourOf(now - days * kDay)));
+        }
+    }
+    return Upkeep::Done;
+}
+
+std::int32_t MemoryLoggerStore::RetentionOf(const ZRBasicString& variable) const
+{
+    std::int32_t longest = 0;
+    for (const auto& [name, set] : m_sets) {
+        if (std::find(set.variables.begin(), set.variables.end(), variable) != set.variables.end()) {
+            if (set.retention == 0) {
+                return 0;
+            }
+            longest = std::max(longest, set.retention);
+        }
+    }
+    return longest;
 }
 
 std::unique_ptr<LoggerReader> MemoryLoggerStore::OpenReader()

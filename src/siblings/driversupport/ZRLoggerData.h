@@ -74,7 +74,6 @@ private:
 
     [[nodiscard]] zr::RecordArena BuildRecorded(zr::Progress* progress);
     [[nodiscard]] zr::RecordArena BuildGrouped(std::int32_t period, zr::Progress* progress);
-    void WriteTimes(zr::RecordArena& arena) const;
 
     std::vector<Column> m_columns;
     std::unique_ptr<zr::LoggerReader> m_reader;  // null: nothing to read

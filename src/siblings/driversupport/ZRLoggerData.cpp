@@ -1,5 +1,6 @@
 #include "siblings/driversupport/ZRLoggerData.h"
 
+#include "siblings/driversupport/hours/HourGrouper.h"
 #include "siblings/driversupport/PeriodCuts.h"
 #include "siblings/driversupport/RecordWriter.h"
 #include "siblings/driversupport/SampleGrouper.h"
@@ -256,7 +257,12 @@ void ZRLoggerData::Setup(const ZRLoggerInfo& info)
         ZRBasicString name;
         SplitFilterDriverVariable(variable->fullName, filter, hour, driver, name);
         Column column;
-        if (filter.IsEmpty() && hour.IsEmpty()) {
+        column.isSplit = !filter.IsEmpty() || !hour.IsEmpty();
+        column.filter = filter;
+        column.hour = hour;
+        if (column.isSplit) {
+            JoinFilterDriverVariable({}, {}, driver, name, column.variable);
+        } else {
             column.variable = variable->fullName;
         }
         ZRDeviceDriver::tagSVariableInfo told;
@@ -276,13 +282,23 @@ bool ZRLoggerData::SelectData(const ZRDateTime& from, const ZRDateTime& to, zr::
 {
     m_groups.clear();
     m_reader.reset();
+    m_split = {};
     m_zone = zr::PlantZone();
     if (!from.IsValid() || !to.IsValid() || from >= to) {
         return false;
     }
     m_from = UtcOf(from, m_zone);
     m_to = UtcOf(to, m_zone);
-    return m_from < m_to && Load(from, to, progress);
+    if (m_from >= m_to) {
+        return false;
+    }
+    m_split = zr::HourSplit(m_zone, m_from, m_to);
+    for (Column& column : m_columns) {
+        if (column.isSplit) {
+            column.hours = m_split.Find(column.filter, column.hour);
+        }
+    }
+    return Load(from, to, progress);
 }
 
 ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& period, zr::Progress* progress)
@@ -298,6 +314,19 @@ ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& peri
     return *group;
 }
 
+bool ZRLoggerData::ReadColumn(const Column& column, std::int64_t from, std::int64_t to,
+                              zr::LoggerBlockVisitor& visitor)
+{
+    if (!column.HasSamples()) {
+        return true;
+    }
+    if (!column.isSplit) {
+        return m_reader->ReadBlocks(column.variable, from, to, zr::LoggerNeed::Samples, visitor);
+    }
+    zr::HourFilter filter(*column.hours.runs, column.hours.hourType, visitor);
+    return m_reader->ReadBlocks(column.variable, from, to, zr::LoggerNeed::Samples, filter);
+}
+
 zr::RecordArena ZRLoggerData::BuildRecorded(zr::Progress* progress)
 {
     Steps steps(progress, m_columns.size(), m_from, m_to);
@@ -311,9 +340,7 @@ zr::RecordArena ZRLoggerData::BuildRecorded(zr::Progress* progress)
             columns[c].times.clear();
             columns[c].values.clear();
             CollectingVisitor visitor(columns[c], steps, c, stretch.begin, stretch.end);
-            if (!m_columns[c].variable.IsEmpty() &&
-                !m_reader->ReadBlocks(m_columns[c].variable, stretch.begin, stretch.end, zr::LoggerNeed::Samples,
-                                      visitor)) {
+            if (!ReadColumn(m_columns[c], stretch.begin, stretch.end, visitor)) {
                 return {};
             }
             samples += columns[c].times.size();
@@ -324,19 +351,40 @@ zr::RecordArena ZRLoggerData::BuildRecorded(zr::Progress* progress)
     return arena;
 }
 
-zr::RecordArena ZRLoggerData::BuildGrouped(std::int32_t period, zr::Progress* progress)
+bool ZRLoggerData::GroupColumns(std::span<const std::int64_t> cuts, zr::Progress* progress,
+                                std::vector<zr::SampleGrouper>& groupers)
 {
     Steps steps(progress, m_columns.size(), m_from, m_to);
+    // The hour types of a variable are read together.
+    std::map<std::pair<ZRBasicString, const zr::HourRuns*>, zr::HourGrouper> split;
+    for (std::size_t c = 0; c < m_columns.size(); ++c) {
+        const Column& column = m_columns[c];
+        const zr::HourRuns* const runs = column.hours.runs.get();
+        const std::int32_t infoCode = column.infoCode != 0 ? column.infoCode : m_reader->InfoCode(column.variable);
+        if (runs == nullptr) {
+            groupers.emplace_back(infoCode, cuts);
+            if (column.HasSamples() &&
+                !GroupColumn(*m_reader, column.variable, groupers.back(), steps, c, m_from, m_to)) {
+                return false;
+            }
+            continue;
+        }
+        const auto [entry, isNew] = split.try_emplace(std::pair(column.variable, runs), infoCode, cuts, *runs);
+        if (isNew && !GroupColumn(*m_reader, column.variable, entry->second.Samples(), steps, c, m_from, m_to)) {
+            return false;
+        }
+        groupers.push_back(entry->second.Of(column.hours.hourType));
+    }
+    return true;
+}
+
+zr::RecordArena ZRLoggerData::BuildGrouped(std::int32_t period, zr::Progress* progress)
+{
     std::vector<std::int64_t> cuts = zr::PeriodCuts(m_zone, m_from / kMicros, (m_to + kMicros - 1) / kMicros, period);
     std::for_each(cuts.begin(), cuts.end(), [](std::int64_t& cut) { cut *= kMicros; });
     std::vector<zr::SampleGrouper> groupers;
-    for (std::size_t c = 0; c < m_columns.size(); ++c) {
-        const Column& column = m_columns[c];
-        groupers.emplace_back(column.infoCode != 0 ? column.infoCode : m_reader->InfoCode(column.variable), cuts);
-        if (!column.variable.IsEmpty() &&
-            !GroupColumn(*m_reader, column.variable, groupers[c], steps, c, m_from, m_to)) {
-            return {};
-        }
+    if (!GroupColumns(cuts, progress, groupers)) {
+        return {};
     }
     std::vector<std::size_t> held;
     for (std::size_t g = 0; g + 1 < cuts.size(); ++g) {

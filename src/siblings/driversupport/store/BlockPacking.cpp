@@ -136,6 +136,31 @@ bool UnpackBlock(std::int64_t series, std::int64_t hour, std::int64_t codec, std
     return true;
 }
 
+void MergeSamples(std::span<const LoggerSample> later, std::vector<std::int64_t>& times, std::vector<double>& values)
+{
+    std::vector<std::int64_t> mergedTimes;
+    std::vector<double> mergedValues;
+    mergedTimes.reserve(times.size() + later.size());
+    mergedValues.reserve(times.size() + later.size());
+    std::size_t old = 0;
+    const auto takeOldBefore = [&](std::int64_t time) {
+        for (; old < times.size() && times[old] < time; ++old) {
+            mergedTimes.push_back(times[old]);
+            mergedValues.push_back(values[old]);
+        }
+    };
+    for (const LoggerSample& sample : later) {
+        takeOldBefore(sample.time);
+        old += old < times.size() && times[old] == sample.time ? 1u : 0u;
+        mergedTimes.push_back(sample.time);
+        mergedValues.push_back(sample.value);
+    }
+    mergedTimes.insert(mergedTimes.end(), times.begin() + static_cast<std::ptrdiff_t>(old), times.end());
+    mergedValues.insert(mergedValues.end(), values.begin() + static_cast<std::ptrdiff_t>(old), values.end());
+    times = std::move(mergedTimes);
+    values = std::move(mergedValues);
+}
+
 std::int64_t CheckOf(std::int64_t series, std::int64_t place, std::int64_t kind, std::span<const std::uint8_t> bytes)
 {
     std::uint64_t hash = bytes.size();

@@ -45,6 +45,9 @@ PackedBlock PackBlock(std::int64_t series, std::int64_t hour, std::span<const st
 bool UnpackBlock(std::int64_t series, std::int64_t hour, std::int64_t codec, std::int64_t check,
                  std::span<const std::uint8_t> payload, std::vector<std::int64_t>& times, std::vector<double>& values);
 
+// Puts samples between others, both in order of time; of two at the same time the one of `later` stays.
+void MergeSamples(std::span<const LoggerSample> later, std::vector<std::int64_t>& times, std::vector<double>& values);
+
 // A checksum of bytes and of the place that they belong to, as a signed number of 32 bits.
 std::int64_t CheckOf(std::int64_t series, std::int64_t place, std::int64_t kind, std::span<const std::uint8_t> bytes);
 

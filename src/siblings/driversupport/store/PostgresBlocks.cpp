@@ -73,32 +73,6 @@ std::string FaultOf(const PostgresBlock& block, std::vector<std::int64_t>& times
     return IsSame(SummariseBlock(times, values).summary, block.summary) ? "" : "tells other sums than it holds";
 }
 
-void MergeSamples(std::span<const LoggerSample> samples, std::vector<std::int64_t>& times, std::vector<double>& values)
-{
-    std::vector<std::int64_t> mergedTimes;
-    std::vector<double> mergedValues;
-    mergedTimes.reserve(times.size() + samples.size());
-    mergedValues.reserve(times.size() + samples.size());
-    std::size_t next = 0;
-    const auto takeUpTo = [&](auto isBefore) {
-        for (; next < times.size() && isBefore(times[next]); ++next) {
-            mergedTimes.push_back(times[next]);
-            mergedValues.push_back(values[next]);
-        }
-    };
-    for (const auto& [time, value] : samples) {
-        takeUpTo([&, at = time](std::int64_t other) { return other < at; });
-        if (next < times.size() && times[next] == time) {
-            ++next;
-        }
-        mergedTimes.push_back(time);
-        mergedValues.push_back(value);
-    }
-    takeUpTo([](std::int64_t) { return true; });
-    times.swap(mergedTimes);
-    values.swap(mergedValues);
-}
-
 PostgresStatement WritePostgresBlock(std::int64_t series, std::int64_t hour, std::span<const std::int64_t> times,
                                      std::span<const double> values)
 {

@@ -31,9 +31,6 @@ bool UnpackPostgresBlock(const PostgresBlock& block, std::vector<std::int64_t>& 
 // What is wrong with a block, empty when nothing is. The vectors are used for unpacking.
 std::string FaultOf(const PostgresBlock& block, std::vector<std::int64_t>& times, std::vector<double>& values);
 
-// Puts samples into those of a block, both in order of time; they take the place of those at the same times.
-void MergeSamples(std::span<const LoggerSample> samples, std::vector<std::int64_t>& times, std::vector<double>& values);
-
 // Enters a block or replaces it. Samples in order of time, at least one.
 PostgresStatement WritePostgresBlock(std::int64_t series, std::int64_t hour, std::span<const std::int64_t> times,
                                      std::span<const double> values);

@@ -88,14 +88,13 @@ private:
         [[nodiscard]] bool HasSamples() const { return !isSplit || hours.runs != nullptr; }
     };
 
-    // Shows the visitor the blocks of a column. False when the store fails or the visitor ended it.
-    bool ReadColumn(const Column& column, zr::LoggerNeed need, zr::LoggerBlockVisitor& visitor);
+    // Shows the visitor the blocks of a column, for their samples. False when the store fails or the visitor ended it.
+    bool ReadColumn(const Column& column, std::int64_t from, std::int64_t to, zr::LoggerBlockVisitor& visitor);
     [[nodiscard]] zr::RecordArena BuildRecorded(zr::Progress* progress);
     [[nodiscard]] zr::RecordArena BuildGrouped(std::int32_t period, zr::Progress* progress);
     // One grouper a column. False when the store fails or the work is to stop.
     bool GroupColumns(std::span<const std::int64_t> cuts, zr::Progress* progress,
                       std::vector<zr::SampleGrouper>& groupers);
-    void WriteTimes(zr::RecordArena& arena) const;
 
     std::vector<Column> m_columns;
     std::unique_ptr<zr::LoggerReader> m_reader;  // null: nothing to read

@@ -314,8 +314,7 @@ ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& peri
     return *group;
 }
 
-bool ZRLoggerData::ReadColumn(const Column& column, std::int64_t from, std::int64_t to,
-                              zr::LoggerBlockVisitor& visitor)
+bool ZRLoggerData::ReadColumn(const Column& column, std::int64_t from, std::int64_t to, zr::LoggerBlockVisitor& visitor)
 {
     if (!column.HasSamples()) {
         return true;

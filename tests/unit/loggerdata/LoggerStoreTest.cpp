@@ -2,6 +2,8 @@
 #include "siblings/driversupport/store/LoggerStore.h"
 
 #include "siblings/driversupport/store/MemoryLoggerStore.h"
+#include "siblings/driversupport/store/SqliteLoggerStore.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -45,6 +47,25 @@ public:
     std::vector<std::int64_t> times;
     std::vector<double> values;
     std::vector<LoggerSummary> summaries;
+};
+
+// A folder of its own, gone with the store.
+class SqliteInFolder final : public LoggerStore {
+public:
+    int OpenSeries(const ZRBasicString& variable, std::int32_t infoCode) override
+    {
+        return m_store.OpenSeries(variable, infoCode);
+    }
+    bool Append(std::span<const LoggerAppend> batch) override { return m_store.Append(batch); }
+    bool SetDataSet(const LoggerDataSet& set) override { return m_store.SetDataSet(set); }
+    Upkeep Maintain(std::int64_t now) override { return m_store.Maintain(now); }
+    std::vector<std::string> TakeFindings() override { return m_store.TakeFindings(); }
+    std::unique_ptr<LoggerReader> OpenReader() override { return m_store.OpenReader(); }
+    [[nodiscard]] std::string Error() const override { return m_store.Error(); }
+
+private:
+    test::TempFolder m_folder;
+    SqliteLoggerStore m_store{m_folder / "data.zrlog"};
 };
 
 class LoggerStoreTest : public testing::TestWithParam<StoreKind> {
@@ -326,7 +347,8 @@ TEST_P(LoggerStoreTest, ReadersOnOtherThreadsSeeWholeBatchesInOrder)
 }
 
 INSTANTIATE_TEST_SUITE_P(Stores, LoggerStoreTest,
-                         testing::Values(StoreKind{"memory", [] { return std::make_unique<MemoryLoggerStore>(); }}),
+                         testing::Values(StoreKind{"memory", [] { return std::make_unique<MemoryLoggerStore>(); }},
+                                         StoreKind{"sqlite", [] { return std::make_unique<SqliteInFolder>(); }}),
                          [](const auto& kind) { return kind.param.name; });
 
 TEST(MemoryLoggerStore, IsAwayWhileItIsSetSo)

@@ -3,7 +3,7 @@
 #include "siblings/driversupport/store/SqliteLoggerStore.h"
 
 #include "support/TempFolder.h"
-#include "TestVfs.h"
+#include "unit/loggerdata/TestVfs.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>

@@ -2,7 +2,7 @@
 #include "siblings/driversupport/store/SqliteLoggerStore.h"
 
 #include "support/TempFolder.h"
-#include "TestVfs.h"
+#include "unit/loggerdata/TestVfs.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -392,7 +392,9 @@ TEST_F(SqliteDamageTest, AnyDamagedPageIsToldAndNothingWrongIsShown)
         damaged += 3;
     }
     EXPECT_GE(told, damaged * 2 / 3);
-    EXPECT_GT(shown, 0u);
+    // Of three variables of 3000 samples, twice each time, most are shown all the same; but for the pages without which
+    // there is no store.
+    EXPECT_GT(shown, static_cast<std::size_t>(damaged) * 9000);
 }
 
 TEST_F(SqliteDamageTest, AnyDamagedByteOfABlockIsToldAndNothingWrongIsShown)

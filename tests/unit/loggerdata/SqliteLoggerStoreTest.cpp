@@ -466,7 +466,7 @@ TEST_F(SqliteLoggerStoreTest, ShowsTheBlocksBesideADamagedOne)
         std::vector<bool> are;
     } visitor;
     const auto reader = store->OpenReader();
-    reader->ReadBlocks(u"M.U", 0, kEnd, LoggerNeed::Samples, visitor);
+    EXPECT_TRUE(reader->ReadBlocks(u"M.U", 0, kEnd, LoggerNeed::Samples, visitor));
     EXPECT_EQ(visitor.are, (std::vector<bool>{true, false, true}));
     EXPECT_THAT(reader->Error(), HasSubstr("M.U, block of 2002-12-16 01:00 UTC"));
 }

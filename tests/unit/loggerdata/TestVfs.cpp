@@ -1,4 +1,4 @@
-#include "TestVfs.h"
+#include "unit/loggerdata/TestVfs.h"
 
 #include <cstring>
 #include <filesystem>

@@ -274,7 +274,8 @@ void DayDigest::Remove(std::int64_t hour)
 
 const StoredSummary* DayDigest::Find(std::int64_t hour) const
 {
-    return (m_hours >> IndexOf(hour) & 1) != 0 ? &m_summaries[IndexOf(hour)] : nullptr;
+    const bool isOfDay = hour >= FirstHour() && hour < FirstHour() + kHoursOfDay;
+    return isOfDay && (m_hours >> IndexOf(hour) & 1) != 0 ? &m_summaries[IndexOf(hour)] : nullptr;
 }
 
 }  // namespace zr

@@ -1,12 +1,14 @@
 // What a store in a file does when the file, the folder or the disk fails, and when they are back.
 #include "siblings/driversupport/store/SqliteLoggerStore.h"
 
+#include "platform/Clock.h"
 #include "support/TempFolder.h"
 #include "unit/loggerdata/TestVfs.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <limits>
@@ -288,6 +290,60 @@ TEST_F(SqliteFaultsTest, SaysThatTheDiskIsFullAndGoesOnWhenThereIsRoom)
     LoggerCheck check;
     ASSERT_TRUE(store.OpenReader()->Check(check, nullptr));
     EXPECT_EQ(check.findings, std::vector<std::string>());
+}
+
+// Its steady time passes at every look, so that a slice of the upkeep is over at once.
+class HastyClock final : public Clock {
+public:
+    HastyClock() { SetClock(this); }
+    HastyClock(const HastyClock&) = delete;
+    HastyClock& operator=(const HastyClock&) = delete;
+    ~HastyClock() override { SetClock(nullptr); }
+    [[nodiscard]] std::chrono::steady_clock::time_point Steady() const override
+    {
+        return m_now += std::chrono::seconds(1);
+    }
+    [[nodiscard]] std::chrono::system_clock::time_point Utc() const override { return {}; }
+    void Sleep(std::chrono::milliseconds) override {}
+
+private:
+    mutable std::chrono::steady_clock::time_point m_now;
+};
+
+// A pass goes on in slices; one that fails is rolled back, and what it had packed waits on.
+TEST_F(SqliteFaultsTest, APassThatFailsInItsMiddleLosesNothing)
+{
+    constexpr int kSeries = 12;
+    const HastyClock clock;
+    for (int good = 0; good < kSeries; ++good) {
+        SmallDisk disk;
+        SqliteLoggerStore store(disk.File(), disk.Options());
+        std::vector<LoggerAppend> batch;
+        for (int i = 0; i < kSeries; ++i) {
+            const wchar name[] = {u'M', u'.', static_cast<wchar>(u'A' + i), 0};
+            const int series = store.OpenSeries(name, 1);
+            for (int k = 0; k < 5; ++k) {
+                batch.push_back({series, kStart + k * 60 * kSecond, i + k * 0.1});
+            }
+        }
+        ASSERT_TRUE(store.Append(batch));
+        const std::int64_t now = kStart + 2 * kHour;
+        for (int slice = 0; slice < good; ++slice) {
+            ASSERT_EQ(store.Maintain(now), LoggerStore::Upkeep::More);
+        }
+        disk.Fill();
+        EXPECT_EQ(store.Maintain(now), LoggerStore::Upkeep::Failed) << good;
+        disk.Clear();
+        LoggerStore::Upkeep upkeep = LoggerStore::Upkeep::More;
+        while (upkeep == LoggerStore::Upkeep::More) {
+            upkeep = store.Maintain(now);
+        }
+        EXPECT_EQ(upkeep, LoggerStore::Upkeep::Done) << store.Error();
+        LoggerCheck check;
+        ASSERT_TRUE(store.OpenReader()->Check(check, nullptr));
+        EXPECT_EQ(check.findings, std::vector<std::string>());
+        EXPECT_EQ(check.packed, batch.size()) << good;
+    }
 }
 
 // Damages a copy of a small store in one way after the other.

@@ -318,6 +318,27 @@ TEST_F(SqliteLoggerStoreTest, HoldsWhatAMapWouldHold)
     EXPECT_EQ(Findings(), std::vector<std::string>());
 }
 
+TEST_F(SqliteLoggerStoreTest, KeepsTheEarliestAndTheLatestTimesThereAre)
+{
+    const std::int64_t earliest = std::numeric_limits<std::int64_t>::min();
+    const int series = store->OpenSeries(u"M.U", 1);
+    ASSERT_TRUE(store->SetDataSet({u"mains", 60, std::numeric_limits<std::int32_t>::max(), {u"M.U"}}));
+    Append({{series, earliest, 1.0}, {series, earliest + 1, 2.0}, {series, -1, 3.0}, {series, kEnd - 1, 4.0}});
+    for (int round = 0; round < 2; ++round) {
+        Samples samples;
+        ASSERT_TRUE(store->OpenReader()->ReadBlocks(u"M.U", earliest, kEnd, LoggerNeed::Samples, samples));
+        EXPECT_EQ(samples.all,
+                  (std::map<std::int64_t, double>{{earliest, 1.0}, {earliest + 1, 2.0}, {-1, 3.0}, {kEnd - 1, 4.0}}));
+        // Without what is so long ago that no retention keeps it.
+        ASSERT_EQ(store->Maintain(kStart), LoggerStore::Upkeep::Done);
+        if (round == 0) {
+            ASSERT_TRUE(store->SetDataSet({u"mains", 60, 0, {u"M.U"}}));
+            Append({{series, earliest, 1.0}, {series, earliest + 1, 2.0}});
+        }
+    }
+    EXPECT_EQ(Findings(), std::vector<std::string>());
+}
+
 TEST_F(SqliteLoggerStoreTest, TwoProgramsWriteAndPackTheSameFile)
 {
     SqliteLoggerStore second(file);

@@ -156,7 +156,7 @@ void ReadDoubles(CodeReader& reader, LoggerSummary& summary)
 void WriteSummary(CodeWriter& writer, std::int64_t hour, const StoredSummary& stored, Before& before)
 {
     const LoggerSummary& summary = stored.summary;
-    std::int64_t firstTime = summary.firstTime - StartOfHour(hour);
+    auto firstTime = static_cast<std::int64_t>(Plain(summary.firstTime) - Plain(StartOfHour(hour)));
     std::int64_t lastTime = summary.lastTime - summary.firstTime;
     std::int64_t form = kFormStep * (stored.decimals + 1);
     form += summary.isRising ? kIsRising : 0;

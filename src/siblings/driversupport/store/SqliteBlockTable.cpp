@@ -116,8 +116,8 @@ bool SqliteBlockTable::RemoveBefore(std::int64_t series, std::int64_t hour, std:
     }
     m_removeBefore.Bind(1, series);
     m_removeBefore.Bind(2, end);
-    if (!m_removeBefore.Run() || !m_connection.ReadInteger("SELECT changes()", removed) || removed == 0) {
-        return m_connection.Fault() == SqliteFault::None;
+    if (!m_removeBefore.Run() || !m_connection.ReadInteger("SELECT changes()", removed)) {
+        return false;
     }
     SqliteStatement removeDays = m_connection.Prepare("DELETE FROM digest WHERE series = ? AND day < ?");
     removeDays.Bind(1, series);

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace zr {
 
@@ -91,6 +92,7 @@ bool SqliteLoggerStore::Ready()
     }
     if (m_session != nullptr) {
         m_session->file->RemoveRemains();
+        m_findings = TakeFindings();
         m_session.reset();
     }
     std::unique_ptr<SqliteStoreFile> file =
@@ -333,7 +335,10 @@ LoggerStore::Upkeep SqliteLoggerStore::Maintain(std::int64_t now)
 
 std::vector<std::string> SqliteLoggerStore::TakeFindings()
 {
-    std::vector<std::string> findings = m_upkeep->TakeFindings();
+    std::vector<std::string> findings = std::exchange(m_findings, {});
+    for (std::string& finding : m_upkeep->TakeFindings()) {
+        findings.push_back(std::move(finding));
+    }
     if (m_session != nullptr) {
         for (std::string& finding : m_session->blocks.TakeFindings()) {
             findings.push_back(TextOfPath(m_path) + ": " + finding);

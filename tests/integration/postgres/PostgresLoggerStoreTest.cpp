@@ -96,12 +96,12 @@ TEST_F(PostgresLoggerStoreTest, LongRangesAreReadInParts)
     Expected expected;
     std::vector<LoggerAppend> batch;
     for (int i = 0; i < 20000; ++i) {
-        batch.push_back({series, kStart + i * 60 * kSecond, i * 0.1});
+        batch.push_back({series, kStart + i * 600 * kSecond, i * 0.1});
         expected[batch.back().time] = batch.back().value;
     }
     Append(batch);
     ExpectHolds(store, u"M.U", expected);
-    Maintain(store, kStart + 300 * kHour);
+    Maintain(store, kStart + 4000 * kHour);
     ExpectHolds(store, u"M.U", expected);
 }
 

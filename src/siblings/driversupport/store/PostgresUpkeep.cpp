@@ -12,6 +12,7 @@ namespace {
 using Upkeep = LoggerStore::Upkeep;
 
 constexpr std::chrono::milliseconds kSlice{50};
+constexpr std::chrono::milliseconds kLongPass{20};  // for one transaction of a slice
 constexpr std::size_t kSeriesAtOnce = 16;
 constexpr int kMostHoursAtOnce = 96;
 constexpr int kFoundAtOnce = 500;
@@ -135,9 +136,9 @@ bool PostgresUpkeep::Pack()
         return false;
     }
     const auto taken = std::chrono::steady_clock::now() - begin;
-    if (taken > kSlice) {
+    if (taken > kLongPass) {
         m_hoursAtOnce = std::max(m_hoursAtOnce / 2, 1);
-    } else if (taken < kSlice / 2) {
+    } else if (taken < kLongPass / 4) {
         m_hoursAtOnce = std::min(m_hoursAtOnce * 2, kMostHoursAtOnce);
     }
     return true;

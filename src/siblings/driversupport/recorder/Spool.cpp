@@ -123,6 +123,10 @@ void Spool::Inspect(const std::filesystem::path& path)
         m_next = sequence + batch.values.size();
         Enter(file, batch);
     }
+    if (reader.End() > m_next) {
+        ReportGap(path, reader.End(), reader.Skipped());
+        m_next = reader.End();
+    }
     if (file.samples == 0) {
         // Its first portion was under way when the process ended, and nobody was told that it is safe.
         std::error_code ignored;

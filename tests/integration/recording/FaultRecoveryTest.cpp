@@ -15,7 +15,7 @@ TEST_F(RecordingFault, AStoreThatIsPutAwayAndComesBack)
     EXPECT_TRUE(WaitUntilResent());
     End();
     EXPECT_THAT(m_program->Errors(), testing::HasSubstr("plant.zrlog"));
-    EXPECT_THAT(m_program->Errors(), testing::HasSubstr("unrecorded 0"));
+    EXPECT_THAT(m_program->Errors(), testing::HasSubstr("lost 0"));
     ExpectAllStored();
 }
 
@@ -27,7 +27,7 @@ TEST_F(RecordingFault, AStoreThatIsAwayAtTheStart)
     PutStoreBack();
     EXPECT_TRUE(WaitUntilResent());
     End();
-    EXPECT_THAT(m_program->Errors(), testing::HasSubstr("unrecorded 0"));
+    EXPECT_THAT(m_program->Errors(), testing::HasSubstr("lost 0"));
     ExpectAllStored();
 }
 
@@ -51,10 +51,10 @@ TEST_F(RecordingFault, ADiskThatIsFullForAWhile)
     EXPECT_TRUE(WaitFor("stored", 20));
     LimitFiles(4096);
     EXPECT_TRUE(WaitFor("spooled", 20));
-    LimitFiles(RLIM_INFINITY);
+    LimitFilesNoMore();
     EXPECT_TRUE(WaitUntilResent());
     End();
-    EXPECT_THAT(m_program->Errors(), testing::HasSubstr("unrecorded 0"));
+    EXPECT_THAT(m_program->Errors(), testing::HasSubstr("lost 0"));
     ExpectAllStored();
 }
 
@@ -65,11 +65,11 @@ TEST_F(RecordingFault, ADiskThatTakesNotAByteForAWhile)
     LimitFiles(0);
     // Told on the standard error as it ends; meanwhile nothing is acknowledged, and what is sampled waits in memory.
     EXPECT_FALSE(m_program->ReadLine([](const std::string&) { return false; }, std::chrono::milliseconds(300)));
-    LimitFiles(RLIM_INFINITY);
+    LimitFilesNoMore();
     EXPECT_TRUE(WaitFor("stored", 20));
     EXPECT_TRUE(WaitUntilResent());
     End();
-    EXPECT_THAT(m_program->Errors(), testing::HasSubstr("unrecorded 0"));
+    EXPECT_THAT(m_program->Errors(), testing::HasSubstr("lost 0"));
     ExpectAllStored();
 }
 
@@ -80,8 +80,8 @@ TEST_F(RecordingFault, AnEndWhileTheStoreIsAwayLosesNothing)
     PutStoreAway();
     EXPECT_TRUE(WaitFor("spooled", 5));
     End();
-    ExpectAllKept();
     PutStoreBack();
+    ExpectAllKept();
     Start();
     EXPECT_TRUE(WaitUntilResent());
     End();

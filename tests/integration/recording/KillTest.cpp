@@ -32,7 +32,7 @@ protected:
             PutStoreBack();
             EXPECT_TRUE(WaitForAny(lines));
         } else if (fault == Fault::DiskFullForAWhile) {
-            LimitFiles(RLIM_INFINITY);
+            LimitFilesNoMore();
             EXPECT_TRUE(WaitForAny(lines));
         }
         Kill();

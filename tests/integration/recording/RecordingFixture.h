@@ -6,7 +6,6 @@
 #include "support/Process.h"
 #include "support/TempFolder.h"
 
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
@@ -88,11 +87,8 @@ protected:
     }
 
     // No file of the program may grow beyond so many bytes from here on: a disk without room.
-    void LimitFiles(rlim_t bytes) const
-    {
-        const struct rlimit limit = {bytes, RLIM_INFINITY};
-        ASSERT_EQ(::prlimit(m_program->Pid(), RLIMIT_FSIZE, &limit, nullptr), 0);
-    }
+    void LimitFiles(int bytes) const { EXPECT_TRUE(m_program->Write(std::to_string(bytes) + "\n")); }
+    void LimitFilesNoMore() const { EXPECT_TRUE(m_program->Write("\n")); }
 
     // The store's file with what stands beside it goes, and a folder takes its place; and back.
     void PutStoreAway() const

@@ -1,4 +1,5 @@
-// Records one device into a store and tells each acknowledged time, until its standard input ends or it is killed.
+// Records one device into a store and tells each acknowledged time, until its standard input ends or it is killed. A
+// line there is the size beyond which no file may grow any more, as on a full disk; an empty one ends that.
 // usage: recording-program STORE SPOOL VARIABLES FACTOR VALUE
 // A line a time: `stored TIME` or `spooled TIME`, in seconds since 1970 on a clock that runs FACTOR times as fast as
 // the day. Every variable has VALUE and its own number behind the point.
@@ -12,6 +13,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,6 +38,15 @@ void BeNobodyInsteadOfAdministrator()
 {
     if (::geteuid() == 0 && ::setuid(65534) != 0) {
         std::_Exit(4);
+    }
+}
+
+// Files may not grow beyond so many bytes from here on; without a number they may.
+void LimitFiles(const std::string& bytes)
+{
+    const struct rlimit limit = {bytes.empty() ? RLIM_INFINITY : std::stoul(bytes), RLIM_INFINITY};
+    if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) {
+        std::_Exit(5);
     }
 }
 
@@ -88,14 +99,15 @@ int main(int count, char** arguments)
         std::fprintf(stderr, "%s\n", error.c_str());
         return 1;
     }
-    char ignored = 0;
-    while (::read(STDIN_FILENO, &ignored, 1) > 0) {
+    for (std::string line; std::getline(std::cin, line);) {
+        LimitFiles(line);
     }
     recorder.Stop();
     TellNotices(recorder);
     const zr::RecorderCounts total = recorder.Figures().total;
-    std::fprintf(stderr, "recorded %llu spooled %llu unrecorded %llu\n",
-                 static_cast<unsigned long long>(total.recorded), static_cast<unsigned long long>(total.spooled),
-                 static_cast<unsigned long long>(total.Unrecorded()));
+    // On a clock this fast a busy machine is late now and then.
+    std::fprintf(stderr, "recorded %llu, spooled %llu, lost %llu\n", static_cast<unsigned long long>(total.recorded),
+                 static_cast<unsigned long long>(total.spooled),
+                 static_cast<unsigned long long>(total.Unrecorded() - total.Unrecorded(zr::UnrecordedReason::Late)));
     return 0;
 }

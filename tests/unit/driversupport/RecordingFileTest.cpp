@@ -68,7 +68,7 @@ TEST(RecordingFileTest, HasDefaultsForWhatIsLeftOut)
     const RecordingFile recording = Read(InSet("<Device Name=\"M\"/>"));
     EXPECT_TRUE(recording.store.empty());
     EXPECT_TRUE(recording.spoolFolder.empty());
-    EXPECT_EQ(recording.spoolLimit, 256);
+    EXPECT_EQ(recording.spoolLimit, 1024);
     ASSERT_EQ(recording.dataSets.size(), 1u);
     EXPECT_EQ(recording.dataSets[0].period, 60);
     EXPECT_EQ(recording.dataSets[0].retention, 0) << "for ever";

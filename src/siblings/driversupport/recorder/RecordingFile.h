@@ -16,7 +16,7 @@ struct RecordingFile {
     static constexpr std::int32_t kLongestPeriod = 31 * 86'400;  // seconds
     static constexpr std::int32_t kLongestRetention = 36'525;    // days: a century
     static constexpr std::int32_t kLargestSpool = 1'048'576;     // MiB
-    static constexpr std::int32_t kDefaultSpool = 256;           // MiB
+    static constexpr std::int32_t kDefaultSpool = 1024;          // MiB
     static constexpr std::size_t kMostNodes = 256;
     static constexpr std::size_t kMostDataSets = 1000;
     static constexpr std::size_t kLongestConnection = 4096;  // bytes

@@ -74,16 +74,6 @@ std::filesystem::path Resolved(const std::filesystem::path& path)
     return resolved;
 }
 
-bool FlushFolder(const std::filesystem::path& folder, std::string& reason)
-{
-    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // Some file systems can't flush a folder and say so by EINVAL; there is nothing more to do there.
-    if (!descriptor.IsOpen() || (::fsync(descriptor.Get()) != 0 && errno != EINVAL)) {
-        return Fail(reason, "the folder can't be flushed");
-    }
-    return true;
-}
-
 bool WriteTemporary(FileDescriptor descriptor, std::string_view bytes, std::string& reason)
 {
     if (!WriteAll(descriptor.Get(), bytes)) {
@@ -146,6 +136,16 @@ bool WriteFileReplacing(const std::filesystem::path& path, std::string_view byte
         return false;
     }
     return FlushFolder(folder, reason);
+}
+
+bool FlushFolder(const std::filesystem::path& folder, std::string& reason)
+{
+    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Some file systems can't flush a folder and say so by EINVAL; there is nothing more to do there.
+    if (!descriptor.IsOpen() || (::fsync(descriptor.Get()) != 0 && errno != EINVAL)) {
+        return Fail(reason, "the folder can't be flushed");
+    }
+    return true;
 }
 
 bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)

@@ -44,11 +44,11 @@ wchar* Put(wchar* at, View text)
 
 char* PutUtf8(char* at, View text)
 {
-    for (const wchar character : text) {
-        if (character >= 0x80) {
-            return Put(at, Utf8From16(text.substr(static_cast<std::size_t>(&character - text.data()))));
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] >= 0x80) {
+            return Put(at, Utf8From16(text.substr(i)));
         }
-        *at++ = static_cast<char>(character);
+        *at++ = static_cast<char>(text[i]);
     }
     return at;
 }

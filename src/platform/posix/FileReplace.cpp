@@ -168,4 +168,10 @@ bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
     return true;
 }
 
+bool CanOthersRead(const std::filesystem::path& path)
+{
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 && (status.st_mode & (S_IRGRP | S_IROTH)) != 0;
+}
+
 }  // namespace zr

@@ -105,4 +105,9 @@ bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
     return true;
 }
 
+bool CanOthersRead(const std::filesystem::path&)
+{
+    return false;
+}
+
 }  // namespace zr

@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -34,6 +36,10 @@ public:
         iterator first;  // the first selected record
         iterator last;   // one past the last
         int count = 0;   // of the selected ones
+
+        // UTC of all records of the range, selected or not, in microseconds since 1970: tells the two passes of a
+        // doubled hour apart.
+        [[nodiscard]] std::span<const std::int64_t> UtcTimes() const { return {m_arena.Times(), m_arena.Size()}; }
 
     private:
         friend class ZRLoggerData;
@@ -65,6 +71,8 @@ public:
     // PeriodCuts and SampleGrouper); periods without a value of any variable have none. Read on the first call, later
     // ones give the same group with its selection. Progress may be null.
     CRecordGroup& RecordGroup(const ZRDateTimeSpan& period, zr::Progress* progress);
+    // Why the store failed when a group was read last; empty when it didn't.
+    [[nodiscard]] const std::string& Failure() const { return m_failure; }
 
 private:
     struct Column {
@@ -76,6 +84,7 @@ private:
     [[nodiscard]] zr::RecordArena BuildGrouped(std::int32_t period, zr::Progress* progress);
     void WriteTimes(zr::RecordArena& arena) const;
 
+    std::string m_failure;
     std::vector<Column> m_columns;
     std::unique_ptr<zr::LoggerReader> m_reader;  // null: nothing to read
     zr::TimeZone m_zone;                         // while the range holds

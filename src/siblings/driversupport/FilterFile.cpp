@@ -1,5 +1,7 @@
 #include "siblings/driversupport/FilterFile.h"
 
+#include "platform/FileReplace.h"
+#include "siblings/driversupport/hours/CalendarReader.h"
 #include "siblings/tools/Numbers.h"
 #include "siblings/tools/Utf.h"
 #include "siblings/tools/XmlDocument.h"
@@ -110,6 +112,27 @@ bool CheckCompanion(const XmlDocument& document, const std::string& file,
     return false;
 }
 
+// None when the filter has none.
+bool ReadCalendarOf(const XmlDocument& document, const std::string& file,
+                    const std::vector<FilterFile::HourType>& types, std::optional<HourCalendar>& calendar,
+                    std::string& error)
+{
+    std::vector<ZRBasicString> names;
+    for (const FilterFile::HourType& type : types)
+        names.push_back(type.name);
+    for (const XmlNode* child : document.root->children) {
+        if (child->tag != u"calendar")
+            continue;
+        if (calendar) {
+            error = At(file, *child, "calendar: there is one before");
+            return false;
+        }
+        if (!ReadCalendar(*child, file, names, calendar.emplace(), error))
+            return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 bool FilterFile::Load(const std::filesystem::path& file, std::string& error)
@@ -126,7 +149,7 @@ bool FilterFile::Load(const std::filesystem::path& file, std::string& error)
         error = companion.Error().Message();
         return false;
     }
-    return Take(filter, companion, file.string(), error);
+    return Take(filter, companion, TextOfPath(file), error);
 }
 
 bool FilterFile::LoadText(std::string_view filterBytes, std::string_view companionBytes, const std::string& name,
@@ -149,9 +172,12 @@ bool FilterFile::Take(const XmlDocument& filter, const XmlDocument& companion, c
                       std::string& error)
 {
     std::vector<HourType> types;
-    if (!ReadFilter(filter, name, types, error) || !CheckCompanion(companion, name + "I", types, error))
+    std::optional<HourCalendar> calendar;
+    if (!ReadFilter(filter, name, types, error) || !ReadCalendarOf(filter, name, types, calendar, error) ||
+        !CheckCompanion(companion, name + "I", types, error))
         return false;
     m_hourTypes = std::move(types);
+    m_calendar = std::move(calendar);
     return true;
 }
 

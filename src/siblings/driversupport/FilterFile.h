@@ -1,6 +1,7 @@
-// The hour types of a filter, by which a variable is split.
+// The hour types of a filter, by which a variable is split, and when they hold.
 #pragma once
 
+#include "siblings/driversupport/hours/HourCalendar.h"
 #include "siblings/tools/ZRBasicString.h"
 
 #include <cstdint>
@@ -27,7 +28,8 @@ public:
 
     // Reads `file` (hour types: the children of the root's child `hourTypes`, of any tag, by their values `name` and
     // `color`, the latter 1 to 6 hexadecimal digits and not a must) and its companion of the same name plus "I", whose
-    // root's children "hour" must name the same hour types.
+    // root's children "hour" must name the same hour types. The root's child `calendar` tells when they hold; it may be
+    // missing, since the dialogs do without. docs/formats/filter-file.md tells the format.
     //
     // False, with error "FILE:LINE: REASON", when one of them can't be read or breaks a rule; the object is then as it
     // was.
@@ -38,11 +40,14 @@ public:
 
     // In order of the file.
     [[nodiscard]] const std::vector<HourType>& HourTypes() const { return m_hourTypes; }
+    // Numbers the hour types in that order. None when the file has none.
+    [[nodiscard]] const std::optional<HourCalendar>& Calendar() const { return m_calendar; }
 
 private:
     bool Take(const XmlDocument& filter, const XmlDocument& companion, const std::string& name, std::string& error);
 
     std::vector<HourType> m_hourTypes;
+    std::optional<HourCalendar> m_calendar;
 };
 
 }  // namespace zr

@@ -1,12 +1,14 @@
 // The records of one group of logged data, in one piece.
 #pragma once
 
+#include "platform/LargeMemory.h"
 #include "siblings/tools/ZRDateTime.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <memory>
+#include <vector>
 
 namespace zr {
 
@@ -68,28 +70,47 @@ private:
     RecordNode* m_node = nullptr;
 };
 
-// Room for so many records of so many values, got and given back in four pieces whatever their number: a load of
-// millions of values costs no more allocations than one of ten. Linked from the start; what the records hold is the
-// caller's to write.
+// Records that were made room for together, in a row.
+struct RecordChunk {
+    std::size_t first = 0;            // the index of the first of them
+    std::size_t size = 0;             //
+    RecordNode* nodes = nullptr;      // linked
+    LoggedRecord* records = nullptr;  // each with its place for values; time is the caller's to write, as are
+    LoggedValue* values = nullptr;    // those of the first record, of the second, and so on, and
+    std::int64_t* times = nullptr;    // UTC, microseconds since 1970: in order, where local times are not
+};
+
+// Room for records of so many values, got and given back in a few pieces whatever their number: a load of millions of
+// values costs hardly more allocations than one of ten. Linked from the start; what the records hold is the caller's to
+// write.
 class RecordArena {
 public:
-    RecordArena() : RecordArena(0, 0) {}
+    RecordArena() : RecordArena(0) {}
+    explicit RecordArena(std::size_t valuesOfRecord);
+    // With one chunk of so many records.
     RecordArena(std::size_t records, std::size_t valuesOfRecord);
+
+    // Room for so many more, behind those there are. Iterators stay valid.
+    RecordChunk Append(std::size_t records);
 
     [[nodiscard]] std::size_t Size() const { return m_size; }
     // Zero-based; Size() is the end.
-    [[nodiscard]] RecordIterator At(std::size_t index) { return RecordIterator(&m_nodes[index]); }
-    [[nodiscard]] LoggedRecord& Record(std::size_t index) { return m_records[index]; }
-    // UTC, microseconds since 1970: in order, where local times of a record list are not.
-    [[nodiscard]] std::int64_t* Times() { return m_times.get(); }
-    [[nodiscard]] const std::int64_t* Times() const { return m_times.get(); }
+    [[nodiscard]] RecordIterator At(std::size_t index) const;
+    [[nodiscard]] LoggedRecord& Record(std::size_t index) const { return **At(index); }
+    // The first record at a time (as in RecordChunk::times) or after it; Size() when there is none.
+    [[nodiscard]] std::size_t LowerBound(std::int64_t time) const;
 
 private:
-    std::size_t m_size;
-    std::unique_ptr<RecordNode[]> m_nodes;  // one more for the end
-    std::unique_ptr<LoggedRecord[]> m_records;
-    std::unique_ptr<LoggedValue[]> m_values;
-    std::unique_ptr<std::int64_t[]> m_times;
+    // So many bytes of the last piece, or of a new one.
+    std::byte* Take(std::size_t bytes);
+
+    std::size_t m_size = 0;
+    std::size_t m_valuesOfRecord;
+    std::vector<LargeMemory> m_pieces;
+    std::size_t m_taken = 0;  // bytes of the last piece
+    std::size_t m_held = 0;   // bytes of all pieces
+    std::vector<RecordChunk> m_chunks;
+    std::unique_ptr<RecordNode> m_end;
 };
 
 }  // namespace zr

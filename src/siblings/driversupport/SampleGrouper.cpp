@@ -48,7 +48,12 @@ double RiseOf(std::span<const double> values)
 }  // namespace
 
 SampleGrouper::SampleGrouper(std::int32_t infoCode, std::span<const std::int64_t> cuts)
-    : m_kind(KindOf(infoCode)), m_cuts(cuts), m_values(cuts.empty() ? 0 : cuts.size() - 1), m_counts(m_values.size())
+    : SampleGrouper(KindOf(infoCode), cuts)
+{
+}
+
+SampleGrouper::SampleGrouper(Kind kind, std::span<const std::int64_t> cuts)
+    : m_kind(kind), m_cuts(cuts), m_values(cuts.empty() ? 0 : cuts.size() - 1), m_counts(m_values.size())
 {
 }
 
@@ -149,6 +154,18 @@ bool SampleGrouper::AddSummary(const LoggerSummary& summary)
     return true;
 }
 
+SampleGrouper SampleGrouper::Merged(std::span<const std::int64_t> cuts, std::span<const std::size_t> into) const
+{
+    SampleGrouper merged(m_kind, cuts);
+    for (std::size_t group = 0; group < into.size(); ++group) {
+        if (into[group] != kNoGroup && IsValid(group)) {
+            merged.m_group = into[group];
+            merged.AddValue(m_values[group], m_counts[group]);
+        }
+    }
+    return merged;
+}
+
 std::size_t SampleGrouper::EndOfRun(std::span<const std::int64_t> times, std::size_t first, std::int64_t end) const
 {
     // Mostly as many as last time.
@@ -192,6 +209,7 @@ void SampleGrouper::AddValue(double value, std::size_t count)
     const bool isFirst = m_counts[m_group] == 0;
     switch (m_kind) {
         case Kind::Mean:
+        case Kind::Consumption:
             held += value;
             break;
         case Kind::Largest:
@@ -200,7 +218,7 @@ void SampleGrouper::AddValue(double value, std::size_t count)
         case Kind::Smallest:
             held = isFirst ? value : std::min(held, value);
             break;
-        default:
+        case Kind::Last:
             held = value;
             break;
     }

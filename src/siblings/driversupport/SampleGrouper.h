@@ -34,6 +34,11 @@ public:
     // enough: add the samples then.
     bool AddSummary(const LoggerSummary& summary);
 
+    // The same samples in the groups between other cuts, which must outlive the result: group i goes into group
+    // into[i] of those, ascending, or with kNoGroup into none. A group lies wholly within the one it goes into.
+    static constexpr std::size_t kNoGroup = static_cast<std::size_t>(-1);
+    [[nodiscard]] SampleGrouper Merged(std::span<const std::int64_t> cuts, std::span<const std::size_t> into) const;
+
     // Whether the samples next to the first and the last cut are of use.
     [[nodiscard]] bool IsCounter() const { return m_kind == Kind::Consumption; }
     [[nodiscard]] std::size_t Size() const { return m_values.size(); }
@@ -44,6 +49,7 @@ public:
 private:
     enum class Kind { Mean, Largest, Smallest, Last, Consumption };
     static Kind KindOf(std::int32_t infoCode);
+    SampleGrouper(Kind kind, std::span<const std::int64_t> cuts);
 
     void AddFiniteOf(std::span<const std::int64_t> times, std::span<const double> values);
     // The end of the samples from first on that lie before a time.

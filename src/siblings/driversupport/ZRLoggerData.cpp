@@ -1,12 +1,13 @@
 #include "siblings/driversupport/ZRLoggerData.h"
 
+#include "siblings/driversupport/hours/HourGrouper.h"
 #include "siblings/driversupport/PeriodCuts.h"
+#include "siblings/driversupport/RecordWriter.h"
 #include "siblings/driversupport/SampleGrouper.h"
 #include "siblings/driversupport/VariableReference.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace {
 
@@ -23,8 +24,20 @@ std::int64_t UtcOf(const ZRDateTime& local, const zr::TimeZone& zone)
 class Steps {
 public:
     Steps(zr::Progress* progress, std::size_t columns, std::int64_t from, std::int64_t to)
-        : m_progress(progress), m_columns(columns), m_from(from), m_length(static_cast<double>(to - from))
+        : m_progress(progress),
+          m_columns(static_cast<double>(columns)),
+          m_from(from),
+          m_length(static_cast<double>(to - from)),
+          m_begin(from),
+          m_end(to)
     {
+    }
+
+    // Which part of the range is worked on, column by column; all of it unless told.
+    void SetStretch(std::int64_t begin, std::int64_t end)
+    {
+        m_begin = begin;
+        m_end = end;
     }
 
     // False when the work is to stop.
@@ -33,9 +46,11 @@ public:
         if (m_progress == nullptr) {
             return true;
         }
-        const double within = std::clamp(static_cast<double>(time - m_from) / m_length, 0.0, 1.0);
-        const auto percent =
-            static_cast<int>(100.0 * (static_cast<double>(column) + within) / static_cast<double>(m_columns));
+        const auto stretch = static_cast<double>(m_end - m_begin);
+        const double within = std::clamp(static_cast<double>(time - m_begin) / stretch, 0.0, 1.0);
+        const double done =
+            static_cast<double>(m_begin - m_from) + stretch * (static_cast<double>(column) + within) / m_columns;
+        const auto percent = static_cast<int>(100.0 * done / m_length);
         if (percent != m_percent) {
             m_percent = percent;
             m_progress->SetPos(percent);
@@ -45,15 +60,47 @@ public:
 
 private:
     zr::Progress* m_progress;
-    std::size_t m_columns;
+    double m_columns;
     std::int64_t m_from;
     double m_length;
+    std::int64_t m_begin;
+    std::int64_t m_end;
     int m_percent = -1;
 };
 
-struct Samples {
-    std::vector<std::int64_t> times;
-    std::vector<double> values;
+// A range in stretches that hold so many samples that they stay in the cache, and so few that the store is asked
+// rarely. They are cut at days of UTC, where no block is cut.
+class Stretches {
+public:
+    Stretches(std::int64_t from, std::int64_t to) : end(from), m_to(to) {}
+
+    // Moves on. False at the end of the range.
+    bool Next()
+    {
+        begin = end;
+        const std::int64_t next = (begin / m_length + 1) * m_length;
+        end = std::min(next, m_to);
+        return begin < m_to;
+    }
+    // How many samples the stretch held, for the length of the next.
+    void Tell(std::size_t samples)
+    {
+        if (samples <= kSamples / 2 && m_length < m_to - end) {
+            m_length *= 2;
+        } else if (samples > 2 * kSamples && m_length > kDay) {
+            m_length /= 2;
+        }
+    }
+
+    std::int64_t begin = 0;
+    std::int64_t end;  // Exclusive.
+
+private:
+    static constexpr std::int64_t kDay = 86400 * kMicros;
+    static constexpr std::size_t kSamples = std::size_t{1} << 18;
+
+    std::int64_t m_to;
+    std::int64_t m_length = kDay;
 };
 
 // Looks at the blocks of one column, cut to the range.
@@ -96,7 +143,7 @@ private:
 
 class CollectingVisitor final : public ColumnVisitor {
 public:
-    CollectingVisitor(Samples& samples, Steps& steps, std::size_t column, std::int64_t from, std::int64_t to)
+    CollectingVisitor(zr::SampleColumn& samples, Steps& steps, std::size_t column, std::int64_t from, std::int64_t to)
         : ColumnVisitor(steps, column, from, to), m_samples(samples)
     {
     }
@@ -114,7 +161,7 @@ private:
         return true;
     }
 
-    Samples& m_samples;
+    zr::SampleColumn& m_samples;
 };
 
 class GroupingVisitor final : public ColumnVisitor {
@@ -140,48 +187,6 @@ private:
     }
 
     zr::SampleGrouper& m_grouper;
-};
-
-// All times of all columns, each once.
-std::vector<std::int64_t> TimesOf(const std::vector<Samples>& columns)
-{
-    std::vector<std::int64_t> all;
-    for (const Samples& column : columns) {
-        if (all.empty()) {
-            all = column.times;
-        } else if (column.times != all) {
-            std::vector<std::int64_t> both;
-            both.reserve(all.size() + column.times.size());
-            std::set_union(all.begin(), all.end(), column.times.begin(), column.times.end(), std::back_inserter(both));
-            all = std::move(both);
-        }
-    }
-    return all;
-}
-
-// The values of a column in records of those times, which hold all of its own.
-class ColumnCursor {
-public:
-    ColumnCursor(const Samples& samples, std::size_t records)
-        : m_samples(samples), m_hasAll(samples.times.size() == records)
-    {
-    }
-
-    // Of the next record.
-    zr::LoggedValue Next(std::int64_t time)
-    {
-        // A column with as many samples as there are records has one in each.
-        if (!m_hasAll && (m_next >= m_samples.times.size() || m_samples.times[m_next] != time)) {
-            return {0, 0.0};
-        }
-        const double value = m_samples.values[m_next++];
-        return {static_cast<std::uint8_t>(std::isfinite(value) ? 1 : 0), value};
-    }
-
-private:
-    const Samples& m_samples;
-    bool m_hasAll;
-    std::size_t m_next = 0;
 };
 
 void AddReading(zr::SampleGrouper& grouper, const zr::LoggerSample& sample)
@@ -221,13 +226,9 @@ void ZRLoggerData::CRecordGroup::SelectData(const ZRDateTime& from, const ZRDate
         Select(0, 0);
         return;
     }
-    const std::int64_t* const begin = m_arena.Times();
-    const std::int64_t* const end = begin + m_arena.Size();
-    const std::int64_t* const firstTime = std::lower_bound(begin, end, UtcOf(from, m_zone));
-    const std::int64_t utcTo = UtcOf(to, m_zone);
-    const std::int64_t* const lastTime =
-        flag ? std::lower_bound(firstTime, end, utcTo) : std::upper_bound(firstTime, end, utcTo);
-    Select(static_cast<std::size_t>(firstTime - begin), static_cast<std::size_t>(lastTime - begin));
+    const std::size_t firstIndex = m_arena.LowerBound(UtcOf(from, m_zone));
+    const std::size_t lastIndex = m_arena.LowerBound(UtcOf(to, m_zone) + (flag ? 0 : 1));
+    Select(firstIndex, std::max(firstIndex, lastIndex));
 }
 
 void ZRLoggerData::CRecordGroup::Select(std::size_t firstIndex, std::size_t lastIndex)
@@ -256,7 +257,12 @@ void ZRLoggerData::Setup(const ZRLoggerInfo& info)
         ZRBasicString name;
         SplitFilterDriverVariable(variable->fullName, filter, hour, driver, name);
         Column column;
-        if (filter.IsEmpty() && hour.IsEmpty()) {
+        column.isSplit = !filter.IsEmpty() || !hour.IsEmpty();
+        column.filter = filter;
+        column.hour = hour;
+        if (column.isSplit) {
+            JoinFilterDriverVariable({}, {}, driver, name, column.variable);
+        } else {
             column.variable = variable->fullName;
         }
         ZRDeviceDriver::tagSVariableInfo told;
@@ -276,13 +282,23 @@ bool ZRLoggerData::SelectData(const ZRDateTime& from, const ZRDateTime& to, zr::
 {
     m_groups.clear();
     m_reader.reset();
+    m_split = {};
     m_zone = zr::PlantZone();
     if (!from.IsValid() || !to.IsValid() || from >= to) {
         return false;
     }
     m_from = UtcOf(from, m_zone);
     m_to = UtcOf(to, m_zone);
-    return m_from < m_to && Load(from, to, progress);
+    if (m_from >= m_to) {
+        return false;
+    }
+    m_split = zr::HourSplit(m_zone, m_from, m_to);
+    for (Column& column : m_columns) {
+        if (column.isSplit) {
+            column.hours = m_split.Find(column.filter, column.hour);
+        }
+    }
+    return Load(from, to, progress);
 }
 
 ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& period, zr::Progress* progress)
@@ -299,52 +315,76 @@ ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& peri
     return *group;
 }
 
+bool ZRLoggerData::ReadColumn(const Column& column, std::int64_t from, std::int64_t to, zr::LoggerBlockVisitor& visitor)
+{
+    if (!column.HasSamples()) {
+        return true;
+    }
+    if (!column.isSplit) {
+        return m_reader->ReadBlocks(column.variable, from, to, zr::LoggerNeed::Samples, visitor);
+    }
+    zr::HourFilter filter(*column.hours.runs, column.hours.hourType, visitor);
+    return m_reader->ReadBlocks(column.variable, from, to, zr::LoggerNeed::Samples, filter);
+}
+
 zr::RecordArena ZRLoggerData::BuildRecorded(zr::Progress* progress)
 {
     Steps steps(progress, m_columns.size(), m_from, m_to);
-    std::vector<Samples> columns(m_columns.size());
-    for (std::size_t c = 0; c < columns.size(); ++c) {
-        if (c > 0) {
-            // Mostly recorded together.
-            columns[c].times.reserve(columns[c - 1].times.size());
-            columns[c].values.reserve(columns[c - 1].values.size());
+    zr::RecordArena arena(m_columns.size());
+    zr::RecordWriter writer(arena, m_zone);
+    std::vector<zr::SampleColumn> columns(m_columns.size());
+    for (Stretches stretch(m_from, m_to); stretch.Next();) {
+        steps.SetStretch(stretch.begin, stretch.end);
+        std::size_t samples = 0;
+        for (std::size_t c = 0; c < columns.size(); ++c) {
+            columns[c].times.clear();
+            columns[c].values.clear();
+            CollectingVisitor visitor(columns[c], steps, c, stretch.begin, stretch.end);
+            if (!ReadColumn(m_columns[c], stretch.begin, stretch.end, visitor)) {
+                return {};
+            }
+            samples += columns[c].times.size();
         }
-        CollectingVisitor visitor(columns[c], steps, c, m_from, m_to);
-        if (!m_columns[c].variable.IsEmpty() &&
-            !m_reader->ReadBlocks(m_columns[c].variable, m_from, m_to, zr::LoggerNeed::Samples, visitor)) {
-            return {};
-        }
+        writer.Append(columns);
+        stretch.Tell(samples);
     }
-    const std::vector<std::int64_t> times = TimesOf(columns);
-    zr::RecordArena arena(times.size(), columns.size());
-    std::copy(times.begin(), times.end(), arena.Times());
-    std::vector<ColumnCursor> cursors;
-    for (const Samples& column : columns) {
-        cursors.emplace_back(column, times.size());
-    }
-    for (std::size_t r = 0; r < times.size(); ++r) {
-        zr::LoggedValue* value = arena.Record(r).values;
-        for (ColumnCursor& cursor : cursors) {
-            *value++ = cursor.Next(times[r]);
-        }
-    }
-    WriteTimes(arena);
     return arena;
+}
+
+bool ZRLoggerData::GroupColumns(std::span<const std::int64_t> cuts, zr::Progress* progress,
+                                std::vector<zr::SampleGrouper>& groupers)
+{
+    Steps steps(progress, m_columns.size(), m_from, m_to);
+    // The hour types of a variable are read together.
+    std::map<std::pair<ZRBasicString, const zr::HourRuns*>, zr::HourGrouper> split;
+    for (std::size_t c = 0; c < m_columns.size(); ++c) {
+        const Column& column = m_columns[c];
+        const zr::HourRuns* const runs = column.hours.runs.get();
+        const std::int32_t infoCode = column.infoCode != 0 ? column.infoCode : m_reader->InfoCode(column.variable);
+        if (runs == nullptr) {
+            groupers.emplace_back(infoCode, cuts);
+            if (column.HasSamples() &&
+                !GroupColumn(*m_reader, column.variable, groupers.back(), steps, c, m_from, m_to)) {
+                return false;
+            }
+            continue;
+        }
+        const auto [entry, isNew] = split.try_emplace(std::pair(column.variable, runs), infoCode, cuts, *runs);
+        if (isNew && !GroupColumn(*m_reader, column.variable, entry->second.Samples(), steps, c, m_from, m_to)) {
+            return false;
+        }
+        groupers.push_back(entry->second.Of(column.hours.hourType));
+    }
+    return true;
 }
 
 zr::RecordArena ZRLoggerData::BuildGrouped(std::int32_t period, zr::Progress* progress)
 {
-    Steps steps(progress, m_columns.size(), m_from, m_to);
     std::vector<std::int64_t> cuts = zr::PeriodCuts(m_zone, m_from / kMicros, (m_to + kMicros - 1) / kMicros, period);
     std::for_each(cuts.begin(), cuts.end(), [](std::int64_t& cut) { cut *= kMicros; });
     std::vector<zr::SampleGrouper> groupers;
-    for (std::size_t c = 0; c < m_columns.size(); ++c) {
-        const Column& column = m_columns[c];
-        groupers.emplace_back(column.infoCode != 0 ? column.infoCode : m_reader->InfoCode(column.variable), cuts);
-        if (!column.variable.IsEmpty() &&
-            !GroupColumn(*m_reader, column.variable, groupers[c], steps, c, m_from, m_to)) {
-            return {};
-        }
+    if (!GroupColumns(cuts, progress, groupers)) {
+        return {};
     }
     std::vector<std::size_t> held;
     for (std::size_t g = 0; g + 1 < cuts.size(); ++g) {
@@ -352,29 +392,16 @@ zr::RecordArena ZRLoggerData::BuildGrouped(std::int32_t period, zr::Progress* pr
             held.push_back(g);
         }
     }
-    zr::RecordArena arena(held.size(), groupers.size());
+    zr::RecordArena arena(groupers.size());
+    const zr::RecordChunk chunk = arena.Append(held.size());
+    zr::LoggedValue* value = chunk.values;
     for (std::size_t r = 0; r < held.size(); ++r) {
-        arena.Times()[r] = cuts[held[r]];
-        for (std::size_t c = 0; c < groupers.size(); ++c) {
-            const bool isValid = groupers[c].IsValid(held[r]);
-            arena.Record(r).values[c] = {static_cast<std::uint8_t>(isValid ? 1 : 0), groupers[c].Value(held[r])};
+        chunk.times[r] = cuts[held[r]];
+        for (const zr::SampleGrouper& grouper : groupers) {
+            const bool isValid = grouper.IsValid(held[r]);
+            *value++ = {static_cast<std::uint8_t>(isValid ? 1 : 0), grouper.Value(held[r])};
         }
     }
-    WriteTimes(arena);
+    zr::RecordWriter(arena, m_zone).WriteTimes(chunk);
     return arena;
-}
-
-void ZRLoggerData::WriteTimes(zr::RecordArena& arena) const
-{
-    zr::TimeZone::Span span;
-    span.end = std::numeric_limits<std::int64_t>::min();
-    for (std::size_t r = 0; r < arena.Size(); ++r) {
-        const std::int64_t utc = arena.Times()[r];
-        const std::int64_t seconds = utc / kMicros;
-        if (seconds >= span.end) {
-            span = m_zone.SpanAt(seconds);
-        }
-        arena.Record(r).time = {static_cast<std::uint32_t>(seconds + span.offset - kEpoch),
-                                static_cast<std::uint32_t>(utc % kMicros)};
-    }
 }

@@ -1,7 +1,9 @@
 // The records of a logged data set, read for a range of time and grouped at sample periods.
 #pragma once
 
+#include "siblings/driversupport/hours/HourSplit.h"
 #include "siblings/driversupport/RecordArena.h"
+#include "siblings/driversupport/SampleGrouper.h"
 #include "siblings/driversupport/store/LoggerStore.h"
 #include "siblings/driversupport/ZRLoggerInfo.h"
 #include "siblings/tools/Progress.h"
@@ -21,6 +23,10 @@
 // Setup once, right after construction. Then SelectData for a range, and RecordGroup for each period. A loader thread
 // and the thread of the viewers may use it in turn, never at once. Where a store fails, or is not there, groups are
 // empty.
+//
+// A full reference (`file.MVDF@hour#driver.variable`) has the samples of its plain variable that lie in its hour type,
+// by the calendar that the filter file holds when SelectData reads it: a tariff that is changed splits all history
+// anew. Where the file isn't fit, the column has no values and Problems() tells why.
 class ZRLoggerData {
 public:
     // The records of the range at one sample period. Valid until the next SelectData.
@@ -73,20 +79,33 @@ public:
     CRecordGroup& RecordGroup(const ZRDateTimeSpan& period, zr::Progress* progress);
     // Why the store failed when a group was read last; empty when it didn't.
     [[nodiscard]] const std::string& Failure() const { return m_failure; }
+    // Why columns of the selection have no values: one line each, in English, naming the filter file.
+    [[nodiscard]] const std::vector<std::string>& Problems() const { return m_split.Problems(); }
 
 private:
     struct Column {
-        ZRBasicString variable;     // plain reference; empty for one that has no records of its own
-        std::int32_t infoCode = 0;  // 0: not known from the device
+        ZRBasicString variable;      // plain reference
+        std::int32_t infoCode = 0;   // 0: not known from the device
+        bool isSplit = false;        // by a filter
+        ZRBasicString filter;        // of a full reference
+        ZRBasicString hour;          // likewise
+        zr::HourSplit::Hours hours;  // likewise, while the range holds
+
+        [[nodiscard]] bool HasSamples() const { return !isSplit || hours.runs != nullptr; }
     };
 
+    // Shows the visitor the blocks of a column, for their samples. False when the store fails or the visitor ended it.
+    bool ReadColumn(const Column& column, std::int64_t from, std::int64_t to, zr::LoggerBlockVisitor& visitor);
     [[nodiscard]] zr::RecordArena BuildRecorded(zr::Progress* progress);
     [[nodiscard]] zr::RecordArena BuildGrouped(std::int32_t period, zr::Progress* progress);
-    void WriteTimes(zr::RecordArena& arena) const;
+    // One grouper a column. False when the store fails or the work is to stop.
+    bool GroupColumns(std::span<const std::int64_t> cuts, zr::Progress* progress,
+                      std::vector<zr::SampleGrouper>& groupers);
 
     std::string m_failure;
     std::vector<Column> m_columns;
     std::unique_ptr<zr::LoggerReader> m_reader;  // null: nothing to read
+    zr::HourSplit m_split;                       // while the range holds
     zr::TimeZone m_zone;                         // while the range holds
     std::int64_t m_from = 0;                     // UTC, microseconds since 1970
     std::int64_t m_to = 0;                       // Exclusive.

@@ -1,12 +1,12 @@
-// What every store of logged samples does; a new one joins the list at the end.
+// What every store of logged samples does. The test programs that hold this file say which stores theirs are, in
+// StoreKinds.
 #include "siblings/driversupport/store/LoggerStore.h"
 
-#include "siblings/driversupport/store/MemoryLoggerStore.h"
+#include "unit/loggerdata/StoreKinds.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <bit>
-#include <functional>
 #include <limits>
 #include <memory>
 #include <random>
@@ -21,31 +21,9 @@ constexpr std::int64_t kSecond = 1000000;
 constexpr std::int64_t kHour = 3600 * kSecond;
 constexpr std::int64_t kStart = 1040000000 * kSecond / kHour * kHour;
 
-struct StoreKind {
-    std::string name;
-    std::function<std::unique_ptr<LoggerStore>()> make;
-};
-
-class Collector final : public LoggerBlockVisitor {
-public:
-    bool OnBlock(LoggerBlock& block) override
-    {
-        std::span<const std::int64_t> blockTimes;
-        std::span<const double> blockValues;
-        EXPECT_TRUE(block.Samples(blockTimes, blockValues));
-        EXPECT_EQ(blockTimes.size(), blockValues.size());
-        EXPECT_EQ(block.summary.count, blockTimes.size());
-        times.insert(times.end(), blockTimes.begin(), blockTimes.end());
-        values.insert(values.end(), blockValues.begin(), blockValues.end());
-        summaries.push_back(block.summary);
-        return summaries.size() < limit;
-    }
-
-    std::size_t limit = std::numeric_limits<std::size_t>::max();
-    std::vector<std::int64_t> times;
-    std::vector<double> values;
-    std::vector<LoggerSummary> summaries;
-};
+using test::BlockCollector;
+using test::StoreKind;
+using test::StoreKinds;
 
 class LoggerStoreTest : public testing::TestWithParam<StoreKind> {
 protected:
@@ -63,10 +41,10 @@ protected:
         EXPECT_EQ(upkeep, LoggerStore::Upkeep::Done) << store->Error();
     }
 
-    Collector Read(const wchar* variable, std::int64_t from = 0,
-                   std::int64_t to = std::numeric_limits<std::int64_t>::max())
+    BlockCollector Read(const wchar* variable, std::int64_t from = 0,
+                        std::int64_t to = std::numeric_limits<std::int64_t>::max())
     {
-        Collector collector;
+        BlockCollector collector;
         const auto reader = store->OpenReader();
         EXPECT_TRUE(reader != nullptr && reader->ReadBlocks(variable, from, to, LoggerNeed::Samples, collector));
         return collector;
@@ -81,7 +59,7 @@ TEST_P(LoggerStoreTest, GivesBackWhatWasAppendedInOrderOfTime)
     ASSERT_GE(series, 0);
     Append({{series, kStart + kHour + 5, 3.0}, {series, kStart, 1.0}});
     Append({{series, kStart + 7, 2.0}});
-    const Collector read = Read(u"M.U");
+    const BlockCollector read = Read(u"M.U");
     EXPECT_EQ(read.times, (std::vector<std::int64_t>{kStart, kStart + 7, kStart + kHour + 5}));
     EXPECT_EQ(read.values, (std::vector<double>{1.0, 2.0, 3.0}));
 }
@@ -131,7 +109,7 @@ TEST_P(LoggerStoreTest, ABlockHoldsOneHour)
 {
     const int series = store->OpenSeries(u"M.U", 1);
     Append({{series, kStart, 1.0}, {series, kStart + kHour - 1, 2.0}, {series, kStart + kHour, 3.0}});
-    const Collector read = Read(u"M.U");
+    const BlockCollector read = Read(u"M.U");
     ASSERT_EQ(read.summaries.size(), 2u);
     EXPECT_EQ(read.summaries[0].lastTime, kStart + kHour - 1);
     EXPECT_EQ(read.summaries[1].firstTime, kStart + kHour);
@@ -156,7 +134,7 @@ TEST_P(LoggerStoreTest, TheVisitorEndsTheReading)
 {
     const int series = store->OpenSeries(u"M.U", 1);
     Append({{series, kStart, 1.0}, {series, kStart + kHour, 2.0}});
-    Collector collector;
+    BlockCollector collector;
     collector.limit = 1;
     EXPECT_FALSE(store->OpenReader()->ReadBlocks(u"M.U", 0, kStart + 2 * kHour, LoggerNeed::Samples, collector));
     EXPECT_EQ(collector.values, std::vector<double>{1.0});
@@ -212,7 +190,7 @@ TEST_P(LoggerStoreTest, AnyDoubleComesBackBitForBit)
                          std::bit_cast<double>(random())});
     }
     Append(batch);
-    const Collector read = Read(u"M.U");
+    const BlockCollector read = Read(u"M.U");
     ASSERT_EQ(read.values.size(), batch.size());
     EXPECT_FALSE(read.summaries.at(0).isFinite);
     for (std::size_t i = 0; i < batch.size(); ++i) {
@@ -267,15 +245,15 @@ TEST_P(LoggerStoreTest, UpkeepChangesNothingThatIsKept)
         }
     }
     Append(batch);
-    const Collector before = Read(u"M.U");
+    const BlockCollector before = Read(u"M.U");
     Maintain(kStart + 100 * kHour);
-    const Collector after = Read(u"M.U");
+    const BlockCollector after = Read(u"M.U");
     EXPECT_EQ(after.times, before.times);
     EXPECT_EQ(after.values, before.values);
     // A sample that comes late takes its place all the same.
     Append({{series, kStart + 30 * kSecond, 77.0}, {series, kStart, 78.0}});
     Maintain(kStart + 100 * kHour);
-    const Collector late = Read(u"M.U", kStart, kStart + 60 * kSecond);
+    const BlockCollector late = Read(u"M.U", kStart, kStart + 60 * kSecond);
     EXPECT_EQ(late.values.at(0), 78.0);
     EXPECT_EQ(late.values.at(1), 77.0);
 }
@@ -315,7 +293,7 @@ TEST_P(LoggerStoreTest, ReadersOnOtherThreadsSeeWholeBatchesInOrder)
     });
     std::size_t seen = 0;
     while (seen < kBatches * kBatch && !HasFailure()) {
-        const Collector read = Read(u"M.U");
+        const BlockCollector read = Read(u"M.U");
         EXPECT_GE(read.values.size(), seen);
         seen = read.values.size();
         EXPECT_EQ(seen % kBatch, 0u);
@@ -325,26 +303,8 @@ TEST_P(LoggerStoreTest, ReadersOnOtherThreadsSeeWholeBatchesInOrder)
     writer.join();
 }
 
-INSTANTIATE_TEST_SUITE_P(Stores, LoggerStoreTest,
-                         testing::Values(StoreKind{"memory", [] { return std::make_unique<MemoryLoggerStore>(); }}),
+INSTANTIATE_TEST_SUITE_P(Stores, LoggerStoreTest, testing::ValuesIn(StoreKinds()),
                          [](const auto& kind) { return kind.param.name; });
-
-TEST(MemoryLoggerStore, IsAwayWhileItIsSetSo)
-{
-    MemoryLoggerStore store;
-    const int series = store.OpenSeries(u"M.U", 1);
-    const auto reader = store.OpenReader();
-    store.SetAvailable(false);
-    Collector collector;
-    EXPECT_FALSE(reader->ReadBlocks(u"M.U", 0, 1, LoggerNeed::Samples, collector));
-    EXPECT_EQ(store.OpenReader(), nullptr);
-    EXPECT_EQ(store.OpenSeries(u"M.I", 1), -1);
-    const std::vector<LoggerAppend> batch = {{series, kStart, 1.0}};
-    EXPECT_FALSE(store.Append(batch));
-    EXPECT_FALSE(store.Error().empty());
-    store.SetAvailable(true);
-    EXPECT_TRUE(store.Append(batch));
-}
 
 }  // namespace
 }  // namespace zr

@@ -1,10 +1,13 @@
 #include "siblings/driversupport/ZRLoggerData.h"
 
-#include "siblings/driversupport/store/MemoryLoggerStore.h"
+#include "LoggerDataFixture.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <limits>
+#include <memory>
+#include <span>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -13,44 +16,7 @@ namespace {
 
 static_assert(std::has_virtual_destructor_v<ZRLoggerData>);
 
-constexpr std::int64_t kMicros = 1000000;
-constexpr std::int64_t kEpoch = 946684800;
-constexpr ZRDateTimeSpan kRecorded(0, 0);
-constexpr ZRDateTimeSpan kQuarter(900, 0);
-constexpr ZRDateTimeSpan kHour(3600, 0);
-constexpr ZRDateTimeSpan kDay(86400, 0);
-constexpr ZRDateTimeSpan kMonth(2678400, 0);
-
-ZRDateTime Date(int day, int month, int year, int hour = 0, int minute = 0)
-{
-    ZRDateTime date;
-    date.SetDateTime(year, month, day, hour, minute, 0, 0, 0);
-    return date;
-}
-
-// Of a date in UTC.
-std::int64_t Micros(const ZRDateTime& utc)
-{
-    return (kEpoch + utc.seconds) * kMicros + utc.microseconds;
-}
-
-TimeZone Paris()
-{
-    return {3600, {{Micros(Date(31, 3, 2002, 1)) / kMicros, 7200}, {Micros(Date(27, 10, 2002, 1)) / kMicros, 3600}}};
-}
-
-class Meter final : public ZRDeviceDriver {
-public:
-    Meter()
-    {
-        std::vector<VariableDescription> variables(2);
-        variables[0].name = u"E";
-        variables[0].variableClass = VariableClass::Counter;
-        variables[1].name = u"U";
-        SetVariables(std::make_shared<VariableTable>(variables));
-        SetName(u"M");
-    }
-};
+using namespace test;
 
 class CountingProgress final : public Progress {
 public:
@@ -62,84 +28,7 @@ public:
     std::size_t cancelAfter = std::numeric_limits<std::size_t>::max();
 };
 
-class ZRLoggerDataTest : public testing::Test {
-protected:
-    ZRLoggerDataTest()
-    {
-        SetLoggerStore(&store);
-        SetPlantZone(TimeZone());
-    }
-    ~ZRLoggerDataTest() override
-    {
-        SetLoggerStore(nullptr);
-        SetPlantZone(TimeZone::System());
-    }
-
-    void SetVariables(const std::vector<const wchar*>& names)
-    {
-        ZRLoggerInfo info;
-        for (const wchar* name : names) {
-            info.AddVariable(name);
-        }
-        data.Setup(info);
-    }
-
-    void Record(const wchar* variable, VariableClass variableClass, const ZRDateTime& utc, double value)
-    {
-        const int series = store.OpenSeries(variable, static_cast<std::int32_t>(variableClass));
-        const std::vector<LoggerAppend> batch = {{series, Micros(utc), value}};
-        ASSERT_TRUE(store.Append(batch));
-    }
-
-    // A value a minute, counted from 0.
-    void RecordMinutes(const wchar* variable, VariableClass variableClass, const ZRDateTime& utc, int count)
-    {
-        const int series = store.OpenSeries(variable, static_cast<std::int32_t>(variableClass));
-        std::vector<LoggerAppend> batch;
-        for (int i = 0; i < count; ++i) {
-            batch.push_back({series, Micros(utc) + i * 60 * kMicros, static_cast<double>(i)});
-        }
-        ASSERT_TRUE(store.Append(batch));
-    }
-
-    ZRLoggerData::CRecordGroup& Select(const ZRDateTime& from, const ZRDateTime& to, const ZRDateTimeSpan& period)
-    {
-        EXPECT_TRUE(data.SelectData(from, to, nullptr));
-        ZRLoggerData::CRecordGroup& group = data.RecordGroup(period, nullptr);
-        group.SelectData(from, to, true);
-        return group;
-    }
-
-    static std::vector<ZRDateTime> TimesOf(const ZRLoggerData::CRecordGroup& group)
-    {
-        std::vector<ZRDateTime> times;
-        for (auto record = group.first; record != group.last; ++record) {
-            times.push_back((*record)->time);
-        }
-        EXPECT_EQ(static_cast<std::size_t>(group.count), times.size());
-        return times;
-    }
-
-    // -1 for what isn't valid.
-    static std::vector<double> ValuesOf(const ZRLoggerData::CRecordGroup& group, std::size_t column)
-    {
-        std::vector<double> values;
-        for (auto record = group.first; record != group.last; ++record) {
-            const LoggedValue& value = (*record)->values[column];
-            values.push_back(value.valid != 0 ? value.value : -1.0);
-        }
-        return values;
-    }
-
-    static void ExpectEmpty(const ZRLoggerData::CRecordGroup& group)
-    {
-        EXPECT_EQ(group.count, 0);
-        EXPECT_EQ(group.first, group.last);
-    }
-
-    MemoryLoggerStore store;
-    ZRLoggerData data;
-};
+class ZRLoggerDataTest : public LoggerDataFixture {};
 
 TEST_F(ZRLoggerDataTest, SetupKeepsTheListAsItWasGiven)
 {
@@ -369,15 +258,6 @@ TEST_F(ZRLoggerDataTest, ANewSelectionDropsTheOldGroups)
     EXPECT_EQ(Select(Date(2, 12, 2002), Date(3, 12, 2002), kHour).count, 0);
 }
 
-TEST_F(ZRLoggerDataTest, AFullReferenceHasNoRecordsOfItsOwn)
-{
-    SetVariables({u"T.MVDF@PEAK#M.U", u"M.U"});
-    Record(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002, 8), 230.0);
-    const auto& group = Select(Date(1, 12, 2002), Date(2, 12, 2002), kHour);
-    EXPECT_EQ(ValuesOf(group, 0), std::vector{-1.0});
-    EXPECT_EQ(ValuesOf(group, 1), std::vector{230.0});
-}
-
 TEST_F(ZRLoggerDataTest, ANumberThatIsNoneIsNoValue)
 {
     SetVariables({u"M.U"});
@@ -402,6 +282,164 @@ TEST_F(ZRLoggerDataTest, TheProgressRunsToTheEndAndCanStopTheWork)
     EXPECT_EQ(stopped.positions.size(), 3u);
     // What was stopped isn't begun again by who asks for the group.
     ExpectEmpty(data.RecordGroup(kRecorded, nullptr));
+}
+
+// Counted in hours at first, then in seconds, then in hours again after months without any.
+TEST_F(ZRLoggerDataTest, LongRangesOfAnyDensityAreReadWhole)
+{
+    SetVariables({u"M.U", u"M.I"});
+    std::vector<std::int64_t> times;
+    const auto add = [&](const ZRDateTime& utc, std::int64_t step, std::int64_t count) {
+        for (std::int64_t i = 0; i < count; ++i) {
+            times.push_back(Micros(utc) + i * step * kMicros);
+        }
+    };
+    add(Date(1, 12, 2002), 3600, 90 * 24);
+    add(Date(1, 3, 2003), 1, 8 * 86400);
+    add(Date(1, 11, 2003), 3600, 20 * 24);
+    const int series = store.OpenSeries(u"M.U", 1);
+    const int other = store.OpenSeries(u"M.I", 1);
+    std::vector<LoggerAppend> batch;
+    for (std::size_t i = 0; i < times.size(); ++i) {
+        batch.push_back({series, times[i], static_cast<double>(i)});
+    }
+    batch.push_back({other, times.front() + 1, 1.0});
+    batch.push_back({other, times.back(), 2.0});
+    ASSERT_TRUE(store.Append(batch));
+    const auto& group = Select(Date(1, 12, 2002), Date(1, 12, 2003), kRecorded);
+    ASSERT_EQ(static_cast<std::size_t>(group.count), times.size() + 1);
+    std::size_t sample = 0;
+    std::size_t others = 0;
+    for (auto record = group.first; record != group.last; ++record) {
+        const LoggedValue* const values = (*record)->values;
+        others += values[1].valid;
+        if (values[0].valid != 0) {
+            ASSERT_EQ(Micros((*record)->time), times[sample]);
+            ASSERT_EQ(values[0].value, static_cast<double>(sample));
+            ++sample;
+        }
+    }
+    EXPECT_EQ(sample, times.size());
+    EXPECT_EQ(others, 2u);
+}
+
+TEST_F(ZRLoggerDataTest, ALoadThatIsStoppedHalfwayShowsAsAnEmptyGroup)
+{
+    SetVariables({u"M.U", u"M.I"});
+    RecordMinutes(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002), 30 * 24 * 60);
+    RecordMinutes(u"M.I", VariableClass::Instantaneous, Date(1, 12, 2002), 30 * 24 * 60);
+    ASSERT_TRUE(data.SelectData(Date(1, 12, 2002), Date(31, 12, 2002), nullptr));
+    CountingProgress progress;
+    progress.cancelAfter = 50;
+    ExpectEmpty(data.RecordGroup(kRecorded, &progress));
+    EXPECT_TRUE(std::is_sorted(progress.positions.begin(), progress.positions.end()));
+    ASSERT_EQ(progress.positions.size(), 50u);
+    EXPECT_LT(progress.positions.back(), 100);
+}
+
+TEST_F(ZRLoggerDataTest, TheProgressOfALongLoadRunsToTheEnd)
+{
+    SetVariables({u"M.U", u"M.I"});
+    RecordMinutes(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002), 30 * 24 * 60);
+    RecordMinutes(u"M.I", VariableClass::Instantaneous, Date(1, 12, 2002), 30 * 24 * 60);
+    ASSERT_TRUE(data.SelectData(Date(1, 12, 2002), Date(31, 12, 2002), nullptr));
+    CountingProgress progress;
+    EXPECT_EQ(data.RecordGroup(kRecorded, &progress).count, 30 * 24 * 60);
+    EXPECT_TRUE(std::is_sorted(progress.positions.begin(), progress.positions.end()));
+    EXPECT_GE(progress.positions.size(), 50u);
+    EXPECT_EQ(progress.positions.back(), 99);
+}
+
+// A store one of whose blocks is damaged.
+class DamagedStore final : public LoggerStore {
+public:
+    int OpenSeries(const ZRBasicString& variable, std::int32_t infoCode) override
+    {
+        return store.OpenSeries(variable, infoCode);
+    }
+    bool Append(std::span<const LoggerAppend> batch) override { return store.Append(batch); }
+    bool SetDataSet(const LoggerDataSet& set) override { return store.SetDataSet(set); }
+    Upkeep Maintain(std::int64_t now) override { return store.Maintain(now); }
+    std::vector<std::string> TakeFindings() override { return {}; }
+    std::unique_ptr<LoggerReader> OpenReader() override
+    {
+        return std::make_unique<Reader>(store.OpenReader(), damaged);
+    }
+    [[nodiscard]] std::string Error() const override { return store.Error(); }
+
+    MemoryLoggerStore store;
+    std::int64_t damaged = 0;  // within the block
+
+private:
+    class Block final : public LoggerBlock {
+    public:
+        Block(LoggerBlock& block, bool isDamaged) : m_block(block), m_isDamaged(isDamaged) { summary = block.summary; }
+        bool Samples(std::span<const std::int64_t>& times, std::span<const double>& values) override
+        {
+            return !m_isDamaged && m_block.Samples(times, values);
+        }
+
+    private:
+        LoggerBlock& m_block;
+        bool m_isDamaged;
+    };
+
+    class Reader final : public LoggerReader, LoggerBlockVisitor {
+    public:
+        Reader(std::unique_ptr<LoggerReader> reader, std::int64_t damaged)
+            : m_reader(std::move(reader)), m_damaged(damaged)
+        {
+        }
+        bool ReadBlocks(const ZRBasicString& variable, std::int64_t from, std::int64_t to, LoggerNeed need,
+                        LoggerBlockVisitor& visitor) override
+        {
+            m_visitor = &visitor;
+            return m_reader->ReadBlocks(variable, from, to, need, *this);
+        }
+        bool LastBefore(const ZRBasicString& variable, std::int64_t time, LoggerSample& sample) override
+        {
+            return m_reader->LastBefore(variable, time, sample);
+        }
+        bool FirstFrom(const ZRBasicString& variable, std::int64_t time, LoggerSample& sample) override
+        {
+            return m_reader->FirstFrom(variable, time, sample);
+        }
+        std::int32_t InfoCode(const ZRBasicString& variable) override { return m_reader->InfoCode(variable); }
+        bool DataSets(std::vector<LoggerDataSet>& sets) override { return m_reader->DataSets(sets); }
+        bool Check(LoggerCheck& check, Progress* progress) override { return m_reader->Check(check, progress); }
+        [[nodiscard]] std::string Error() const override { return m_reader->Error(); }
+
+    private:
+        bool OnBlock(LoggerBlock& block) override
+        {
+            Block passed(block, block.summary.firstTime <= m_damaged && m_damaged <= block.summary.lastTime);
+            return m_visitor->OnBlock(passed);
+        }
+
+        std::unique_ptr<LoggerReader> m_reader;
+        std::int64_t m_damaged;
+        LoggerBlockVisitor* m_visitor = nullptr;
+    };
+};
+
+TEST_F(ZRLoggerDataTest, ADamagedBlockShowsAsAnEmptyGroupWhereItHasToBeUnpacked)
+{
+    DamagedStore damaged;
+    const int series = damaged.OpenSeries(u"M.U", 1);
+    std::vector<LoggerAppend> batch;
+    for (int i = 0; i < 30 * 24 * 60; ++i) {
+        batch.push_back({series, Micros(Date(1, 12, 2002)) + i * 60 * kMicros, 1.0});
+    }
+    ASSERT_TRUE(damaged.Append(batch));
+    damaged.damaged = Micros(Date(20, 12, 2002, 8, 30));
+    SetLoggerStore(&damaged);
+    SetVariables({u"M.U"});
+    ASSERT_TRUE(data.SelectData(Date(1, 12, 2002), Date(31, 12, 2002), nullptr));
+    ExpectEmpty(data.RecordGroup(kRecorded, nullptr));
+    ExpectEmpty(data.RecordGroup(kQuarter, nullptr));
+    EXPECT_EQ(data.RecordGroup(kDay, nullptr).count, 30);
+    ASSERT_TRUE(data.SelectData(Date(1, 12, 2002), Date(20, 12, 2002), nullptr));
+    EXPECT_EQ(data.RecordGroup(kRecorded, nullptr).count, 19 * 24 * 60);
 }
 
 }  // namespace

@@ -1,75 +1,23 @@
 #include "siblings/tools/TimeZone.h"
 
+#include "support/ZoneChanges.h"
+
 #include <gtest/gtest.h>
-#include <chrono>
-#include <cstdlib>
-#include <fstream>
-#include <map>
-#include <sstream>
+#include <ctime>
 #include <string>
-#include <vector>
 
 namespace zr {
 namespace {
 
-struct Change {
-    std::int64_t utc = 0;
-    int before = 0;
-    int after = 0;
-    std::int64_t lastLocalBefore = 0;
-    std::int64_t firstLocalAfter = 0;
-};
-
-std::vector<std::string> Fields(const std::string& line)
-{
-    std::vector<std::string> fields;
-    std::istringstream stream(line);
-    for (std::string field; std::getline(stream, field, ',');) {
-        fields.push_back(field);
-    }
-    return fields;
-}
-
-// Seconds since 1970 of "2000-03-26T01:59:59", as if it were UTC.
-std::int64_t SecondsOf(const std::string& text)
-{
-    const auto number = [&](std::size_t at, std::size_t length) { return std::stoi(text.substr(at, length)); };
-    const std::chrono::sys_days day = std::chrono::year(number(0, 4)) /
-                                      std::chrono::month(static_cast<unsigned>(number(5, 2))) /
-                                      std::chrono::day(static_cast<unsigned>(number(8, 2)));
-    return day.time_since_epoch().count() * std::int64_t{86400} + number(11, 2) * 3600 + number(14, 2) * 60 +
-           number(17, 2);
-}
-
-// The changes of every zone in the table, in order.
-const std::map<std::string, std::vector<Change>>& Changes()
-{
-    static const auto changes = [] {
-        std::map<std::string, std::vector<Change>> all;
-        std::ifstream file(std::string(ZR_TEST_DATA) + "/dst_transitions_2000_2037.csv");
-        std::string line;
-        std::getline(file, line);
-        while (std::getline(file, line)) {
-            const std::vector<std::string> fields = Fields(line);
-            all[fields.at(0)].push_back({std::stoll(fields.at(1)), std::stoi(fields.at(3)), std::stoi(fields.at(4)),
-                                         SecondsOf(fields.at(8)), SecondsOf(fields.at(9))});
-        }
-        return all;
-    }();
-    return changes;
-}
+using test::ZoneChange;
+using test::ZoneChanges;
 
 constexpr std::int64_t k2000 = 946684800;
 constexpr std::int64_t k2037 = 2114380800;
 
-// Paris, from the table of changes, so that it is there on every system.
 TimeZone Paris()
 {
-    std::vector<std::pair<std::int64_t, std::int32_t>> changes;
-    for (const Change& change : Changes().at("Europe/Paris")) {
-        changes.emplace_back(change.utc, change.after);
-    }
-    return {3600, std::move(changes)};
+    return test::ZoneOfTable("Europe/Paris");
 }
 
 TEST(TimeZone, WithoutMoreItIsUtc)
@@ -82,7 +30,7 @@ TEST(TimeZone, WithoutMoreItIsUtc)
 TEST(TimeZone, TheTableHoldsAllZones)
 {
     std::size_t count = 0;
-    for (const auto& [name, changes] : Changes()) {
+    for (const auto& [name, changes] : ZoneChanges()) {
         count += changes.size();
     }
     EXPECT_EQ(count, 1341u);
@@ -91,7 +39,7 @@ TEST(TimeZone, TheTableHoldsAllZones)
 TEST(TimeZone, OfASkippedLocalTimeThereIsTheMomentOfTheChange)
 {
     const TimeZone paris = Paris();
-    const Change spring = Changes().at("Europe/Paris")[0];
+    const ZoneChange spring = ZoneChanges().at("Europe/Paris")[0];
     EXPECT_EQ(paris.ToUtc(spring.lastLocalBefore), spring.utc - 1);
     EXPECT_EQ(paris.ToUtc(spring.lastLocalBefore + 1), spring.utc);
     EXPECT_EQ(paris.ToUtc(spring.lastLocalBefore + 1800), spring.utc);
@@ -102,7 +50,7 @@ TEST(TimeZone, OfASkippedLocalTimeThereIsTheMomentOfTheChange)
 TEST(TimeZone, OfALocalTimeThatOccursTwiceThereIsTheFirst)
 {
     const TimeZone paris = Paris();
-    const Change autumn = Changes().at("Europe/Paris")[1];
+    const ZoneChange autumn = ZoneChanges().at("Europe/Paris")[1];
     EXPECT_EQ(paris.ToUtc(autumn.firstLocalAfter), autumn.utc - 3600);
     EXPECT_EQ(paris.ToUtc(autumn.lastLocalBefore), autumn.utc - 1);
     EXPECT_EQ(paris.ToUtc(autumn.lastLocalBefore + 1), autumn.utc + 3600);
@@ -112,8 +60,8 @@ TEST(TimeZone, OfALocalTimeThatOccursTwiceThereIsTheFirst)
 TEST(TimeZone, SpansMeetAtTheChanges)
 {
     const TimeZone paris = Paris();
-    const Change spring = Changes().at("Europe/Paris")[0];
-    const Change autumn = Changes().at("Europe/Paris")[1];
+    const ZoneChange spring = ZoneChanges().at("Europe/Paris")[0];
+    const ZoneChange autumn = ZoneChanges().at("Europe/Paris")[1];
     const TimeZone::Span summer = paris.SpanAt(spring.utc);
     EXPECT_EQ(summer.begin, spring.utc);
     EXPECT_EQ(summer.end, autumn.utc);
@@ -156,11 +104,11 @@ TEST(TimeZone, UtcIsKnownEverywhere)
 // Windows has no zones by these names.
 TEST(TimeZone, ZonesByNameChangeWhenTheTableSays)
 {
-    for (const auto& [name, changes] : Changes()) {
+    for (const auto& [name, changes] : ZoneChanges()) {
         TimeZone zone;
         std::string error;
         ASSERT_TRUE(TimeZone::Find(name, zone, error)) << error;
-        for (const Change& change : changes) {
+        for (const ZoneChange& change : changes) {
             ASSERT_EQ(zone.SpanAt(change.utc - 1).offset, change.before) << name << ' ' << change.utc;
             ASSERT_EQ(zone.SpanAt(change.utc).offset, change.after) << name << ' ' << change.utc;
             ASSERT_EQ(zone.ToLocal(change.utc - 1), change.lastLocalBefore) << name;
@@ -171,7 +119,7 @@ TEST(TimeZone, ZonesByNameChangeWhenTheTableSays)
 
 TEST(TimeZone, ZonesByNameDontChangeWhereTheTableSaysNothing)
 {
-    for (const auto& [name, changes] : Changes()) {
+    for (const auto& [name, changes] : ZoneChanges()) {
         TimeZone zone;
         std::string error;
         ASSERT_TRUE(TimeZone::Find(name, zone, error)) << error;
@@ -194,11 +142,11 @@ TEST(TimeZone, ZonesByNameDontChangeWhereTheTableSaysNothing)
 
 TEST(TimeZone, EveryLocalTimeLeadsBackToItself)
 {
-    for (const auto& [name, changes] : Changes()) {
+    for (const auto& [name, changes] : ZoneChanges()) {
         TimeZone zone;
         std::string error;
         ASSERT_TRUE(TimeZone::Find(name, zone, error)) << error;
-        for (const Change& change : changes) {
+        for (const ZoneChange& change : changes) {
             for (std::int64_t utc = change.utc - 90000; utc < change.utc + 90000; utc += 1799) {
                 const std::int64_t local = zone.ToLocal(utc);
                 const std::int64_t back = zone.ToUtc(local);

@@ -68,20 +68,18 @@ private:
 
 class Reader {
 public:
-    explicit Reader(std::span<const std::uint8_t> bytes) : m_bytes(bytes) {}
+    explicit Reader(std::span<const std::uint8_t> bytes) : m_at(bytes.data()), m_end(bytes.data() + bytes.size()) {}
 
     [[nodiscard]] bool IsGood() const { return m_isGood; }
-    [[nodiscard]] bool IsAtEnd() const { return m_bytes.empty(); }
+    [[nodiscard]] bool IsAtEnd() const { return m_at == m_end; }
 
     std::uint8_t Byte()
     {
-        if (m_bytes.empty()) {
+        if (m_at == m_end) {
             m_isGood = false;
             return 0;
         }
-        const std::uint8_t byte = m_bytes.front();
-        m_bytes = m_bytes.subspan(1);
-        return byte;
+        return *m_at++;
     }
     std::uint64_t Number()
     {
@@ -97,24 +95,34 @@ public:
         m_isGood = false;
         return 0;
     }
-    std::uint64_t Code()
+    // A code of one or two bytes that is not 0, as most are. False, with nothing read, where there is none.
+    bool ShortCode(std::uint64_t& code)
     {
-        if (m_zeros > 0) {
-            --m_zeros;
-            return 0;
+        if (m_end - m_at < 2 || m_at[0] == 0 || (m_at[0] & m_at[1]) >= 0x80) {
+            return false;
         }
+        // Without a branch on the length, which nobody could foresee.
+        const std::uint64_t isLong = m_at[0] >> 7;
+        code = (m_at[0] & 0x7Fu) | ((std::uint64_t{m_at[1]} & (0 - isLong)) << 7);
+        m_at += 1 + isLong;
+        return true;
+    }
+    // Any code, and how often it stands in a row, at most `most` times.
+    std::uint64_t Run(std::size_t most, std::size_t& length)
+    {
+        length = 1;
         const std::uint64_t code = Number();
         if (code == 0) {
-            m_zeros = Number();
+            const std::uint64_t more = Number();
+            m_isGood = m_isGood && more < most;
+            length = m_isGood ? static_cast<std::size_t>(more) + 1 : 1;
         }
         return code;
     }
-    // Zeros that are left over belong to no sample.
-    void EndZeros() { m_isGood = m_isGood && m_zeros == 0; }
 
 private:
-    std::span<const std::uint8_t> m_bytes;
-    std::uint64_t m_zeros = 0;
+    const std::uint8_t* m_at;
+    const std::uint8_t* m_end;
     bool m_isGood = true;
 };
 
@@ -194,38 +202,52 @@ void WriteBits(Writer& writer, std::span<const double> values)
     }
 }
 
-bool ReadTimes(Reader& reader, std::vector<std::int64_t>& times)
+bool ReadTimes(Reader& reader, std::span<std::int64_t> times)
 {
     std::uint64_t time = 0;
     std::uint64_t step = 0;
-    for (std::int64_t& next : times) {
-        step += FromZigZag(reader.Code());
-        time += step;
-        next = static_cast<std::int64_t>(time);
+    for (std::size_t i = 0; i < times.size();) {
+        std::size_t length = 0;
+        step += FromZigZag(reader.Run(times.size() - i, length));
         if (!reader.IsGood()) {
             return false;
         }
+        for (const std::size_t end = i + length; i < end; ++i) {
+            time += step;
+            times[i] = static_cast<std::int64_t>(time);
+        }
     }
-    reader.EndZeros();
-    return reader.IsGood();
+    return true;
 }
 
-bool ReadDecimals(Reader& reader, std::vector<double>& values, int decimals)
+bool ReadDecimals(Reader& reader, std::span<double> values, int decimals)
 {
     const double power = kPowers[static_cast<std::size_t>(decimals)];
+    const auto valueOf = [power](std::uint64_t whole) {
+        return static_cast<double>(static_cast<std::int64_t>(whole)) / power;
+    };
     std::uint64_t whole = 0;
-    for (double& value : values) {
-        whole += FromZigZag(reader.Code());
-        value = static_cast<double>(static_cast<std::int64_t>(whole)) / power;
+    for (std::size_t i = 0; i < values.size();) {
+        std::uint64_t code = 0;
+        while (i < values.size() && reader.ShortCode(code)) {
+            whole += FromZigZag(code);
+            values[i++] = valueOf(whole);
+        }
+        if (i == values.size()) {
+            break;
+        }
+        std::size_t length = 0;
+        whole += FromZigZag(reader.Run(values.size() - i, length));
         if (!reader.IsGood()) {
             return false;
         }
+        std::fill_n(values.begin() + static_cast<std::ptrdiff_t>(i), length, valueOf(whole));
+        i += length;
     }
-    reader.EndZeros();
-    return reader.IsGood();
+    return true;
 }
 
-bool ReadBits(Reader& reader, std::vector<double>& values)
+bool ReadBits(Reader& reader, std::span<double> values)
 {
     std::uint64_t bits = 0;
     for (double& value : values) {

@@ -43,9 +43,8 @@ public:
         iterator last;   // one past the last
         int count = 0;   // of the selected ones
 
-        // UTC of all records of the range, selected or not, in microseconds since 1970: tells the two passes of a
-        // doubled hour apart.
-        [[nodiscard]] std::span<const std::int64_t> UtcTimes() const { return {m_arena.Times(), m_arena.Size()}; }
+        // All records of the range, selected or not, with the UTC that tells the passes of a doubled hour apart.
+        [[nodiscard]] std::span<const zr::RecordChunk> Chunks() const { return m_arena.Chunks(); }
 
     private:
         friend class ZRLoggerData;

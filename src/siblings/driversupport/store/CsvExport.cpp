@@ -106,10 +106,12 @@ bool WriteRecords(CsvSink& sink, const ZRLoggerData::CRecordGroup& group, std::s
                   std::size_t& values)
 {
     std::string text;
-    const std::int64_t* time = group.UtcTimes().data();
-    for (auto record = group.first; !(record == group.last); ++record, ++time) {
-        values += rows.Append(text, *time, {(*record)->values, columns});
-        if (text.size() >= kBytesAtOnce) {
+    for (const RecordChunk& chunk : group.Chunks()) {
+        for (std::size_t i = 0; i < chunk.size; ++i) {
+            values += rows.Append(text, chunk.times[i], {chunk.records[i].values, columns});
+            if (text.size() < kBytesAtOnce) {
+                continue;
+            }
             if (!sink.Write(text)) {
                 return false;
             }

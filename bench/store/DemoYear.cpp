@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::int64_t kEpoch = 946684800;  // of ZRDateTime, seconds since 1970
 constexpr std::size_t kMeasured = 7;        // columns of the file behind the time
+constexpr std::array<double, kMeasured> kScales = {1000.0, 1000.0, 100.0, 10.0, 1.0, 1.0, 1.0};  // of their decimals
 
 using Row = std::array<double, kMeasured>;
 
@@ -40,6 +41,21 @@ std::vector<Row> MeasuredRows()
         }
     }
     return rows;
+}
+
+// Between two minutes the values run straight, in the resolution of the meter.
+Row RowAt(const std::vector<Row>& rows, std::int64_t second)
+{
+    const auto minute = static_cast<std::size_t>(second / 60);
+    const double fraction = static_cast<double>(second % 60) / 60.0;
+    const Row& first = rows[minute % rows.size()];
+    const Row& next = rows[(minute + 1) % rows.size()];
+    Row row;
+    for (std::size_t c = 0; c < kMeasured; ++c) {
+        const double value = first[c] + (next[c] - first[c]) * fraction;
+        row[c] = fraction == 0.0 ? first[c] : std::round(value * kScales[c]) / kScales[c];
+    }
+    return row;
 }
 
 }  // namespace
@@ -71,8 +87,9 @@ DemoYear MakeDemoYear(std::size_t records, std::int64_t period)
     DemoYear year;
     std::array<double, 3> counted{};  // Wh, varh and the Wh of the sub-meters
     for (std::size_t r = 0; r < records; ++r) {
-        const Row& row = rows[r % rows.size()];
-        year.times.push_back((DemoYear::kFirstSecond + static_cast<std::int64_t>(r) * period) * DemoYear::kMicros);
+        const std::int64_t second = static_cast<std::int64_t>(r) * period;
+        const Row row = RowAt(rows, second);
+        year.times.push_back((DemoYear::kFirstSecond + second) * DemoYear::kMicros);
         for (std::size_t c = 0; c < kMeasured; ++c) {
             year.values[c].push_back(row[c]);
         }

@@ -45,8 +45,10 @@ INSTANTIATE_TEST_SUITE_P(Sizes, LargeMemoryTest,
 
 TEST(LargeMemory, MoreThanThereIsIsRefused)
 {
-    EXPECT_THROW(LargeMemory(std::numeric_limits<std::size_t>::max()), std::bad_alloc);
-    EXPECT_THROW(LargeMemory(std::numeric_limits<std::size_t>::max() / 2), std::bad_alloc);
+    constexpr std::size_t kMost = std::numeric_limits<std::size_t>::max();
+    for (const std::size_t bytes : {kMost, kMost / 2}) {
+        EXPECT_THROW(LargeMemory{bytes}, std::bad_alloc);
+    }
 }
 
 }  // namespace

@@ -1,0 +1,186 @@
+#include "siblings/driversupport/store/BlockPacking.h"
+
+#include "siblings/driversupport/store/BlockCodec.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+
+namespace zr {
+
+namespace {
+
+constexpr int kMaxDecimalPlaces = 15;
+constexpr double kMaxWhole = 9007199254740992.0;  // 2^53
+constexpr std::array<double, kMaxDecimalPlaces + 1> kPowers = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+// Microseconds of the unit of times, by codec less one.
+constexpr std::array<std::int64_t, 3> kUnits = {1, 1000, 1000000};
+
+std::int64_t Wrapped(std::uint64_t value)
+{
+    return static_cast<std::int64_t>(value);
+}
+
+// The fewest decimals that serve all values; -1 when none do.
+int DecimalsOf(std::span<const double> values)
+{
+    int decimals = 0;
+    std::int64_t whole = 0;
+    for (std::size_t i = 0; i < values.size();) {
+        if (WholeOf(values[i], decimals, whole)) {
+            ++i;
+        } else if (++decimals > kMaxDecimalPlaces) {
+            return -1;
+        } else {
+            // Those before may not come back from more decimals, if they are large.
+            i = 0;
+        }
+    }
+    return decimals;
+}
+
+// False when it isn't within 2^53.
+bool WholeSum(std::span<const double> values, int decimals, std::int64_t& sum)
+{
+    double rough = 0.0;
+    sum = 0;
+    for (const double value : values) {
+        std::int64_t whole = 0;
+        if (!WholeOf(value, decimals, whole) || std::fabs(rough += static_cast<double>(whole)) > kMaxWhole) {
+            return false;
+        }
+        sum += whole;
+    }
+    return true;
+}
+
+}  // namespace
+
+std::int64_t HourOf(std::int64_t time)
+{
+    return time / kHourMicros - (time % kHourMicros < 0 ? 1 : 0);
+}
+
+std::int64_t StartOfHour(std::int64_t hour)
+{
+    return Wrapped(static_cast<std::uint64_t>(hour) * static_cast<std::uint64_t>(kHourMicros));
+}
+
+bool WholeOf(double value, int decimals, std::int64_t& whole)
+{
+    const double power = kPowers[static_cast<std::size_t>(decimals)];
+    const double scaled = std::nearbyint(value * power);
+    if (!(std::fabs(scaled) <= kMaxWhole)) {
+        return false;
+    }
+    whole = static_cast<std::int64_t>(scaled);
+    return std::bit_cast<std::uint64_t>(ValueOf(whole, decimals)) == std::bit_cast<std::uint64_t>(value);
+}
+
+double ValueOf(std::int64_t whole, int decimals)
+{
+    return static_cast<double>(whole) / kPowers[static_cast<std::size_t>(decimals)];
+}
+
+StoredSummary SummariseBlock(std::span<const std::int64_t> times, std::span<const double> values)
+{
+    StoredSummary stored{Summarise(times, values), -1};
+    const int decimals = stored.summary.isFinite ? DecimalsOf(values) : -1;
+    std::int64_t sum = 0;
+    std::int64_t same = 0;
+    if (decimals >= 0 && WholeSum(values, decimals, sum)) {
+        const double value = ValueOf(sum, decimals);
+        if (WholeOf(value, decimals, same) && same == sum) {
+            stored.summary.sum = value;
+            stored.decimals = decimals;
+        }
+    }
+    return stored;
+}
+
+PackedBlock PackBlock(std::int64_t series, std::int64_t hour, std::span<const std::int64_t> times,
+                      std::span<const double> values)
+{
+    const std::int64_t start = StartOfHour(hour);
+    std::size_t unit = kUnits.size() - 1;
+    std::vector<std::int64_t> within(times.size());
+    for (std::size_t i = 0; i < times.size(); ++i) {
+        within[i] = Wrapped(static_cast<std::uint64_t>(times[i]) - static_cast<std::uint64_t>(start));
+        while (within[i] % kUnits[unit] != 0) {
+            --unit;
+        }
+    }
+    std::for_each(within.begin(), within.end(), [&](std::int64_t& time) { time /= kUnits[unit]; });
+    PackedBlock block;
+    block.codec = static_cast<std::int64_t>(unit) + 1;
+    block.payload = EncodeBlock(within, values);
+    block.check = CheckOf(series, hour, block.codec, block.payload);
+    block.stored = SummariseBlock(times, values);
+    return block;
+}
+
+bool UnpackBlock(std::int64_t series, std::int64_t hour, std::int64_t codec, std::int64_t check,
+                 std::span<const std::uint8_t> payload, std::vector<std::int64_t>& times, std::vector<double>& values)
+{
+    if (codec < 1 || static_cast<std::size_t>(codec) > kUnits.size() ||
+        CheckOf(series, hour, codec, payload) != check || !DecodeBlock(payload, times, values)) {
+        return false;
+    }
+    const auto start = static_cast<std::uint64_t>(StartOfHour(hour));
+    const auto unit = static_cast<std::uint64_t>(kUnits[static_cast<std::size_t>(codec - 1)]);
+    for (std::int64_t& time : times) {
+        time = Wrapped(start + static_cast<std::uint64_t>(time) * unit);
+    }
+    return true;
+}
+
+void MergeSamples(std::span<const LoggerSample> later, std::vector<std::int64_t>& times, std::vector<double>& values)
+{
+    std::vector<std::int64_t> mergedTimes;
+    std::vector<double> mergedValues;
+    mergedTimes.reserve(times.size() + later.size());
+    mergedValues.reserve(times.size() + later.size());
+    std::size_t old = 0;
+    const auto takeOldBefore = [&](std::int64_t time) {
+        for (; old < times.size() && times[old] < time; ++old) {
+            mergedTimes.push_back(times[old]);
+            mergedValues.push_back(values[old]);
+        }
+    };
+    for (const LoggerSample& sample : later) {
+        takeOldBefore(sample.time);
+        old += old < times.size() && times[old] == sample.time ? 1u : 0u;
+        mergedTimes.push_back(sample.time);
+        mergedValues.push_back(sample.value);
+    }
+    mergedTimes.insert(mergedTimes.end(), times.begin() + static_cast<std::ptrdiff_t>(old), times.end());
+    mergedValues.insert(mergedValues.end(), values.begin() + static_cast<std::ptrdiff_t>(old), values.end());
+    times = std::move(mergedTimes);
+    values = std::move(mergedValues);
+}
+
+std::int64_t CheckOf(std::int64_t series, std::int64_t place, std::int64_t kind, std::span<const std::uint8_t> bytes)
+{
+    std::uint64_t hash = bytes.size();
+    const auto mix = [&hash](std::uint64_t word) {
+        hash = (hash ^ word) * 0x9E3779B97F4A7C15u;
+        hash ^= hash >> 32;
+    };
+    mix(static_cast<std::uint64_t>(series));
+    mix(static_cast<std::uint64_t>(place));
+    mix(static_cast<std::uint64_t>(kind));
+    while (!bytes.empty()) {
+        const std::size_t length = std::min<std::size_t>(bytes.size(), 8);
+        std::uint64_t word = 0;
+        for (std::size_t i = 0; i < length; ++i) {
+            word |= std::uint64_t{bytes[i]} << (8 * i);
+        }
+        mix(word);
+        bytes = bytes.subspan(length);
+    }
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(hash));
+}
+
+}  // namespace zr

@@ -1,0 +1,21 @@
+#include "siblings/driversupport/store/LoggerStoreAddress.h"
+
+#include "siblings/driversupport/store/SqliteLoggerStore.h"
+
+namespace zr {
+
+std::vector<std::unique_ptr<LoggerStore>> OpenLoggerNodes(const LoggerStoreAddress& address, std::string& error)
+{
+    std::vector<std::unique_ptr<LoggerStore>> stores;
+    error.clear();
+    if (!address.nodes.empty()) {
+        error = "this program was built without stores on servers";
+    } else if (address.file.empty()) {
+        error = "neither a file nor a server is named to keep logged data";
+    } else {
+        stores.push_back(std::make_unique<SqliteLoggerStore>(address.file));
+    }
+    return stores;
+}
+
+}  // namespace zr

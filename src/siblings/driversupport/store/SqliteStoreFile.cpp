@@ -1,0 +1,141 @@
+#include "siblings/driversupport/store/SqliteStoreFile.h"
+
+#include "platform/FileReplace.h"
+#include "siblings/driversupport/store/SqliteSchema.h"
+
+namespace zr {
+
+namespace {
+
+std::filesystem::path Beside(const std::filesystem::path& path, const char* suffix)
+{
+    std::filesystem::path beside = path;
+    beside += suffix;
+    return beside;
+}
+
+bool MakeFile(const std::filesystem::path& path, std::string& why)
+{
+    if (IdentityOfFile(path).has_value()) {
+        return true;
+    }
+    const std::filesystem::path folder = path.parent_path();
+    return (folder.empty() || MakePrivateFolder(folder, why)) && MakePrivateFile(path, why);
+}
+
+}  // namespace
+
+std::unique_ptr<SqliteStoreFile> SqliteStoreFile::Open(const std::filesystem::path& path,
+                                                       const SqliteStoreOptions& options, Use use, std::string& error)
+{
+    std::string why;
+    for (int tries = 0; tries < 3; ++tries) {
+        std::unique_ptr<SqliteStoreFile> file(new SqliteStoreFile);
+        file->m_path = path;
+        if (!MakeFile(path, why)) {
+            break;
+        }
+        file->m_file = IdentityOfFile(path);
+        if (!file->Connect(options, use, why)) {
+            break;
+        }
+        // It may have been replaced meanwhile.
+        if (file->IsCurrent()) {
+            return file;
+        }
+        why = "is replaced all the time";
+    }
+    error = TextOfPath(path) + ": " + why;
+    return nullptr;
+}
+
+bool SqliteStoreFile::Connect(const SqliteStoreOptions& options, Use use, std::string& why)
+{
+    why.clear();
+    const bool isOpen = use == Use::Write ? ConnectToWrite(options, why) : ConnectToRead(options, why);
+    if (!isOpen || !m_connection.ReadInteger("SELECT identity FROM store", m_identity)) {
+        why = why.empty() ? m_connection.Reason() : why;
+        return false;
+    }
+    NoteIdentities();
+    return true;
+}
+
+bool SqliteStoreFile::ConnectToWrite(const SqliteStoreOptions& options, std::string& why)
+{
+    m_isFull = options.synchronous == SqliteStoreOptions::Synchronous::Full;
+    return m_connection.Open(m_path, SqliteConnection::Access::ReadWrite, options.vfs) &&
+           // Both count before there is a table only.
+           m_connection.Run("PRAGMA page_size = 4096; PRAGMA auto_vacuum = INCREMENTAL") &&
+           m_connection.Run("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 16777216") && SetWaiting(true) &&
+           PrepareSqliteSchema(m_connection, why);
+}
+
+// As a writer where that is possible, since a reader beside writers keeps marks in the index file. A medium that can't
+// be written has no writers either.
+bool SqliteStoreFile::ConnectToRead(const SqliteStoreOptions& options, std::string& why)
+{
+    if (ConnectToWrite(options, why)) {
+        return true;
+    }
+    if (!why.empty() ||
+        (m_connection.Fault() != SqliteFault::ReadOnly && m_connection.Fault() != SqliteFault::CannotOpen)) {
+        return false;
+    }
+    m_connection.Close();
+    if (m_connection.Open(m_path, SqliteConnection::Access::ReadOnly, options.vfs) &&
+        PrepareSqliteSchema(m_connection, why)) {
+        return true;
+    }
+    std::error_code ignored;
+    const std::filesystem::path log = Beside(m_path, "-wal");
+    if (std::filesystem::exists(log, ignored) && std::filesystem::file_size(log, ignored) != 0) {
+        return false;
+    }
+    m_connection.Close();
+    m_isFrozen = true;
+    return m_connection.Open(m_path, SqliteConnection::Access::Frozen, options.vfs) &&
+           PrepareSqliteSchema(m_connection, why);
+}
+
+void SqliteStoreFile::NoteIdentities()
+{
+    m_log = IdentityOfFile(Beside(m_path, "-wal"));
+    m_index = IdentityOfFile(Beside(m_path, "-shm"));
+}
+
+bool SqliteStoreFile::IsCurrent() const
+{
+    return m_file.has_value() && IdentityOfFile(m_path) == m_file &&
+           (m_isFrozen || IdentityOfFile(Beside(m_path, "-wal")) == m_log);
+}
+
+void SqliteStoreFile::RemoveRemains() const
+{
+    if (IdentityOfFile(m_path) == m_file) {
+        return;
+    }
+    std::error_code ignored;
+    for (const auto& [suffix, identity] : {std::pair("-wal", m_log), std::pair("-shm", m_index)}) {
+        if (identity.has_value() && IdentityOfFile(Beside(m_path, suffix)) == identity) {
+            std::filesystem::remove(Beside(m_path, suffix), ignored);
+        }
+    }
+}
+
+std::string SqliteStoreFile::Name() const
+{
+    return TextOfPath(m_path);
+}
+
+bool SqliteStoreFile::SetWaiting(bool isWaiting)
+{
+    return m_connection.Run(isWaiting && m_isFull ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
+}
+
+std::string SqliteStoreFile::Error() const
+{
+    return Name() + ": " + m_connection.Reason();
+}
+
+}  // namespace zr

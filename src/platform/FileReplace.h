@@ -41,6 +41,13 @@ private:
 // Makes a folder with the ones above it, each new one with mode 0700. False when one can't be made; reason says why.
 bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason);
 
+// Whether users other than the owner may read a file, by its permissions; false when it isn't there, and on Windows,
+// where a user's folders keep others out.
+bool CanOthersRead(const std::filesystem::path& path);
+
+// Makes what was renamed or made in a folder safe from a power cut. False when the system can't; reason says why.
+bool FlushFolder(const std::filesystem::path& folder, std::string& reason);
+
 // A path from UTF-16 or UTF-8 text and back, on every platform. Unpaired surrogates become U+FFFD.
 std::filesystem::path PathFromText(std::u16string_view text);
 std::filesystem::path PathFromText(std::string_view utf8);

@@ -19,6 +19,12 @@ ProcessLock::Result ProcessLock::Take(const std::filesystem::path& document, con
     return TakeFile(LockFileOf(document, folder), " " + program + "\n" + TextOfPath(document) + "\n");
 }
 
+ProcessLock::Result ProcessLock::TakeAt(const std::filesystem::path& lockFile, const std::string& program)
+{
+    Release();
+    return TakeFile(lockFile, " " + program + "\n" + TextOfPath(lockFile) + "\n");
+}
+
 // The first line of a lock file is `PROCESS PROGRAM`, the second the document.
 void ProcessLock::ReadHolder(const std::string& text)
 {

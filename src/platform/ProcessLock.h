@@ -8,7 +8,7 @@
 namespace zr {
 
 // Held from a successful Take() until Release() or destruction, or until the process is dead, however it died. The lock
-// belongs to the document's canonical path and lies in RuntimeFolder(). Not thread-safe.
+// of a document belongs to its canonical path and lies in RuntimeFolder(). Not thread-safe.
 class ProcessLock {
 public:
     enum class Result {
@@ -25,6 +25,8 @@ public:
     // The program's name is what a second one is told. Does not wait, save for up to 100 ms for the other's name.
     // Taking again gives up what was held before.
     Result Take(const std::filesystem::path& document, const std::string& program);
+    // Likewise, by a lock file of the caller's own choice, for what is no document. Its folder is there and private.
+    Result TakeAt(const std::filesystem::path& lockFile, const std::string& program);
     void Release();
 
     // Process number of the holder; 0 when it could not be told.

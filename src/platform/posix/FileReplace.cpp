@@ -74,16 +74,6 @@ std::filesystem::path Resolved(const std::filesystem::path& path)
     return resolved;
 }
 
-bool FlushFolder(const std::filesystem::path& folder, std::string& reason)
-{
-    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // Some file systems can't flush a folder and say so by EINVAL; there is nothing more to do there.
-    if (!descriptor.IsOpen() || (::fsync(descriptor.Get()) != 0 && errno != EINVAL)) {
-        return Fail(reason, "the folder can't be flushed");
-    }
-    return true;
-}
-
 }  // namespace
 
 bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::string& out, std::string& reason)
@@ -173,6 +163,16 @@ bool ReplacingFile::Commit(std::string& reason)
     return FlushFolder(state->folder, reason);
 }
 
+bool FlushFolder(const std::filesystem::path& folder, std::string& reason)
+{
+    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Some file systems can't flush a folder and say so by EINVAL; there is nothing more to do there.
+    if (!descriptor.IsOpen() || (::fsync(descriptor.Get()) != 0 && errno != EINVAL)) {
+        return Fail(reason, "the folder can't be flushed");
+    }
+    return true;
+}
+
 bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
 {
     std::error_code error;
@@ -191,6 +191,12 @@ bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
         return Fail(reason, ("the folder " + folder.string() + " can't be made").c_str());
     }
     return true;
+}
+
+bool CanOthersRead(const std::filesystem::path& path)
+{
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 && (status.st_mode & (S_IRGRP | S_IROTH)) != 0;
 }
 
 }  // namespace zr

@@ -123,6 +123,12 @@ bool ReplacingFile::Commit(std::string& reason)
     return true;
 }
 
+// Write-through and the journal of the file system stand in for it.
+bool FlushFolder(const std::filesystem::path&, std::string&)
+{
+    return true;
+}
+
 bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
 {
     std::error_code error;
@@ -136,6 +142,11 @@ bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
         return false;
     }
     return true;
+}
+
+bool CanOthersRead(const std::filesystem::path&)
+{
+    return false;
 }
 
 }  // namespace zr

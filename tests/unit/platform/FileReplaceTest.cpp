@@ -102,6 +102,20 @@ TEST_F(FileReplace, MakesFoldersForTheirOwnerOnly)
     EXPECT_FALSE(zr::MakePrivateFolder({}, m_reason));
 }
 
+#ifndef _WIN32
+TEST_F(FileReplace, TellsWhetherOthersCanReadAFile)
+{
+    using std::filesystem::perms;
+    const auto file = m_folder.Write("f", "");
+    for (const auto& [mode, expected] :
+         {std::pair(perms(0600), false), std::pair(perms(0640), true), std::pair(perms(0604), true)}) {
+        std::filesystem::permissions(file, mode);
+        EXPECT_EQ(zr::CanOthersRead(file), expected);
+    }
+    EXPECT_FALSE(zr::CanOthersRead(m_folder / "absent"));
+}
+#endif
+
 TEST_F(FileReplace, PathsAndTextsConvertBothWays)
 {
     const std::filesystem::path path = zr::PathFromText(std::u16string_view(u"/\u00E9t\u00E9/\U0001F50C"));

@@ -89,6 +89,21 @@ TEST_F(ProcessLock, AFileThatADeadProcessLeftHoldsNothing)
     EXPECT_EQ(second.OtherProcess(), OwnProcess());
 }
 
+TEST_F(ProcessLock, TakesALockFileOfItsOwnChoice)
+{
+    const std::filesystem::path folder = m_folder / "spool";
+    std::filesystem::create_directory(folder);
+    std::filesystem::permissions(folder, std::filesystem::perms(0700));
+    zr::ProcessLock first;
+    ASSERT_EQ(first.TakeAt(folder / "lock", "kestrixd"), Result::Taken) << first.Reason();
+    zr::ProcessLock second;
+    EXPECT_EQ(second.TakeAt(folder / "lock", "kestrix"), Result::HeldByOther);
+    EXPECT_EQ(second.OtherProcess(), OwnProcess());
+    EXPECT_EQ(second.OtherProgram(), "kestrixd");
+    first.Release();
+    EXPECT_EQ(second.TakeAt(folder / "lock", "kestrix"), Result::Taken);
+}
+
 #ifndef _WIN32  // It has neither links that anyone may make, nor modes, nor a program that locks a file.
 TEST_F(ProcessLock, KnowsADocumentByALink)
 {

@@ -3,7 +3,7 @@
 #include "BenchLine.h"
 #include "MedianMs.h"
 #include "MemoryPeak.h"
-#include "siblings/driversupport/store/MemoryLoggerStore.h"
+#include "siblings/driversupport/store/SqliteLoggerStore.h"
 #include "siblings/driversupport/ZRLoggerData.h"
 #include "SqlitePeers.h"
 
@@ -105,8 +105,13 @@ void PrintMemory()
 
 void RunLoadBench(const DemoYear& year, const std::filesystem::path& folder)
 {
-    MemoryLoggerStore store;
-    Fill(store, year);
+    const std::filesystem::path file = folder / "year.zrlog";
+    {
+        SqliteLoggerStore filling(file);
+        Fill(filling, year);
+    }
+    PrintLine("store.bytes_per_sample", static_cast<double>(std::filesystem::file_size(file)) / kValues, "B");
+    SqliteLoggerStore store(file);
     RowASample::Write(folder / "sample.db", year);
     RowARecord::Write(folder / "record.db", year);
     SetLoggerStore(&store);

@@ -1,51 +1,8 @@
 #include "logger/LoggerWindow.h"
 
-#include "platform/Registry.h"
-#include "siblings/support/ZRKestrixSetup.h"
-
-#include <cstring>
-#include <vector>
+#include "logger/SuiteKey.h"
 
 namespace zr::logger {
-
-namespace {
-
-// The suite's key of the user, open for as long as this lives. One that can't be opened stores nothing.
-class SetupKey {
-public:
-    SetupKey()
-    {
-        if (ZRKestrixSetup::instance != nullptr) {
-            m_isOpen = RegCreateKeyExW(HKEY_CURRENT_USER, ZRKestrixSetup::Get().registryKey.CStr(), 0, nullptr, 0,
-                                       KEY_ALL_ACCESS, nullptr, &m_key, nullptr) == ERROR_SUCCESS;
-        }
-    }
-    SetupKey(const SetupKey&) = delete;
-    SetupKey& operator=(const SetupKey&) = delete;
-    ~SetupKey()
-    {
-        if (m_isOpen) {
-            RegCloseKey(m_key);
-        }
-    }
-
-    void Write(const wchar* name, const ZRBasicString& text)
-    {
-        if (!m_isOpen) {
-            return;
-        }
-        // The terminating zero counts.
-        std::vector<std::uint8_t> bytes(2 * (text.Length() + 1));
-        std::memcpy(bytes.data(), text.CStr(), bytes.size());
-        RegSetValueExW(m_key, name, 0, REG_SZ, bytes.data(), static_cast<std::uint32_t>(bytes.size()));
-    }
-
-private:
-    HKEY m_key = nullptr;
-    bool m_isOpen = false;
-};
-
-}  // namespace
 
 void LoggerWindow::Setup()
 {
@@ -125,8 +82,8 @@ void LoggerWindow::OnGroupByMenuItem(unsigned id)
     if (unit == nullptr) {
         return;
     }
-    SetupKey key;
-    key.Write(kLastGroupValue, unit->registryText);
+    SuiteKey key;
+    key.WriteText(kLastGroupValue, unit->registryText);
     // An automatic period always fits.
     if (IsAutomatic(samplePeriod) || !BadCombination(id, samplePeriod.seconds)) {
         SetupDataAtPeriod(dateTo, unit->id, false);
@@ -139,8 +96,8 @@ void LoggerWindow::OnPeriodMenuItem(unsigned id)
     if (entry == nullptr) {
         return;
     }
-    SetupKey key;
-    key.Write(kLastPeriodValue, entry->registryText);
+    SuiteKey key;
+    key.WriteText(kLastPeriodValue, entry->registryText);
     const ZRDateTimeSpan span = SpanOf(*entry);
     if (IsAutomatic(span)) {
         SetupData(dateTo, groupBy, m_host.GetSamplePeriodIfAutomatic(static_cast<unsigned>(groupBy)), false);

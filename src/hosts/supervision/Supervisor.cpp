@@ -163,10 +163,14 @@ bool Supervisor::CheckFilters()
             continue;
         }
         // The driver tells the file's title, which has no extension.
+        const std::filesystem::path path = PathFromText((m_setup.dataFolder + filter + u".MVDF").Text());
+        FilterFile file;
         std::string error;
-        if (!FilterFile().Load(PathFromText((m_setup.dataFolder + filter + u".MVDF").Text()), error)) {
+        if (!file.Load(path, error)) {
             m_host.Complain(error);
             good = false;
+        } else if (!file.Calendar()) {
+            m_host.Log(NoCalendarText(path));
         }
     }
     return good;

@@ -181,4 +181,9 @@ bool FilterFile::Take(const XmlDocument& filter, const XmlDocument& companion, c
     return true;
 }
 
+std::string NoCalendarText(const std::filesystem::path& file)
+{
+    return TextOfPath(file) + ": has no calendar, so that nothing tells when its hour types hold";
+}
+
 }  // namespace zr

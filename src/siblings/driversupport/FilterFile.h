@@ -50,4 +50,7 @@ private:
     std::optional<HourCalendar> m_calendar;
 };
 
+// What a host or a load says of a filter file without one.
+std::string NoCalendarText(const std::filesystem::path& file);
+
 }  // namespace zr

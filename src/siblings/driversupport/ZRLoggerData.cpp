@@ -382,6 +382,9 @@ zr::RecordArena ZRLoggerData::BuildGrouped(std::int32_t period, zr::Progress* pr
 {
     std::vector<std::int64_t> cuts = zr::PeriodCuts(m_zone, m_from / kMicros, (m_to + kMicros - 1) / kMicros, period);
     std::for_each(cuts.begin(), cuts.end(), [](std::int64_t& cut) { cut *= kMicros; });
+    // The range may begin and end within a second.
+    cuts.front() = m_from;
+    cuts.back() = m_to;
     std::vector<zr::SampleGrouper> groupers;
     if (!GroupColumns(cuts, progress, groupers)) {
         return {};

@@ -410,6 +410,7 @@ TEST_F(ShippedProfilesTest, EveryFilterThatAProfileNamesIsThere)
         FilterFile filter;
         std::string error;
         EXPECT_TRUE(filter.Load(std::filesystem::path(ZR_RESOURCES) / "filters" / (title + ".MVDF"), error)) << error;
+        EXPECT_TRUE(filter.Calendar().has_value()) << title;
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -128,6 +129,24 @@ TEST_F(SupervisorTest, TellsWhetherTheDocumentWasChangedAndSavesIt)
     XmlDocument read;
     ASSERT_TRUE(read.Load(document));
     EXPECT_EQ(read.root->Value(u"Id", u""), u"Plant");
+}
+
+TEST_F(SupervisorTest, AFilterWithoutACalendarIsToldOfAndServes)
+{
+    const auto document = m_folder.Write("a.xml", Document("A"));
+    const std::filesystem::path filters = m_folder / "data";
+    std::filesystem::create_directory(filters);
+    std::ofstream(filters / "THREE-TARIFF.MVDF") << R"(<f><hourTypes><hour name="A"/></hourTypes></f>)";
+    std::ofstream(filters / "THREE-TARIFF.MVDFI") << R"(<h><hour name="A"/></h>)";
+    Supervisor supervisor(Options(document), "test", m_host);
+    ASSERT_TRUE(supervisor.Prepare());
+    ASSERT_EQ(supervisor.TakeDocument(), Supervisor::Taking::Taken);
+    supervisor.LoadRegistry();
+    m_host.lines.clear();
+    EXPECT_TRUE(supervisor.CheckFilters());
+    EXPECT_TRUE(m_host.complaints.empty());
+    ASSERT_EQ(m_host.lines.size(), 1u);
+    EXPECT_NE(m_host.lines[0].find("THREE-TARIFF.MVDF: has no calendar"), std::string::npos) << m_host.lines[0];
 }
 
 TEST_F(SupervisorTest, AnUnknownLanguageLeavesTheOldTexts)

@@ -240,6 +240,19 @@ protected:
     HourFilter filter{runs, 1, collector};
 };
 
+TEST_F(HourFilterTest, GroupedABlockWithinOneRunAndOnePeriodIsNotUnpacked)
+{
+    const Times cuts = {At(0), At(8), At(24)};
+    for (const VariableClass variableClass : {VariableClass::Instantaneous, VariableClass::Counter}) {
+        HourGrouper split(static_cast<std::int32_t>(variableClass), cuts, runs);
+        const Values values = {1.0, 2.0};
+        EXPECT_TRUE(split.Samples().AddSummary(Summarise(Times{At(6), At(7)}, values)));
+        EXPECT_FALSE(split.Samples().AddSummary(Summarise(Times{At(7), At(8)}, values)));    // over a cut
+        EXPECT_FALSE(split.Samples().AddSummary(Summarise(Times{At(11), At(12)}, values)));  // over a boundary
+        EXPECT_TRUE(split.Samples().AddSummary(Summarise(Times{At(12), At(13)}, values)));
+    }
+}
+
 TEST_F(HourFilterTest, BlocksWithinOneRunGoOnPackedOrNotAtAll)
 {
     Block inside({At(6), At(11, 59)}, {1.0, 2.0});

@@ -5,6 +5,7 @@
 #include "unit/loggerdata/StoreKinds.h"
 
 namespace zr::test {
+
 namespace {
 
 // A folder of its own, gone with the store.
@@ -30,8 +31,10 @@ private:
 
 std::vector<StoreKind> StoreKinds()
 {
-    return {{"memory", [] { return std::make_unique<MemoryLoggerStore>(); }},
-            {"sqlite", [] { return std::make_unique<SqliteInFolder>(); }}};
+    return {
+        {"memory", [] { return std::make_unique<MemoryLoggerStore>(); }},
+        {"sqlite", [] { return std::make_unique<SqliteInFolder>(); }},
+    };
 }
 
 }  // namespace zr::test

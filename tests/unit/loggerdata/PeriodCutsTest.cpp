@@ -1,9 +1,13 @@
 #include "siblings/driversupport/PeriodCuts.h"
 
+#include "support/ZoneChanges.h"
+
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <map>
+#include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -132,34 +136,137 @@ TEST(PeriodCuts, SeveralDaysCountFromTheYear2000)
     EXPECT_EQ(cuts, (Cuts{At(2000, 1, 1), At(2000, 1, 3), At(2000, 1, 5), At(2000, 1, 6)}));
 }
 
-#ifndef _WIN32
-// Windows has no zones by these names.
-TEST(PeriodCuts, AscendInEveryZoneOverAllChanges)
+std::int64_t Floor(std::int64_t value, std::int64_t step)
 {
-    for (const char* name : {"Europe/Paris", "America/Havana", "America/Sao_Paulo", "Asia/Gaza", "Antarctica/Troll",
-                             "Australia/Lord_Howe", "Pacific/Apia", "Pacific/Chatham", "America/St_Johns"}) {
-        TimeZone zone;
-        std::string error;
-        ASSERT_TRUE(TimeZone::Find(name, zone, error)) << error;
-        for (const std::int32_t period : {300, 600, 900, 1200, 1800, 3600, 86400, 2678400}) {
-            const std::int64_t from = zone.ToUtc(At(2008, 1, 1));
-            const std::int64_t to = zone.ToUtc(At(2013, 1, 1));
-            const Cuts cuts = PeriodCuts(zone, from, to, period);
-            ASSERT_EQ(cuts.front(), from) << name;
-            ASSERT_EQ(cuts.back(), to) << name;
-            for (std::size_t i = 1; i < cuts.size(); ++i) {
-                ASSERT_GT(cuts[i], cuts[i - 1]) << name;
-                if (period < 86400) {
-                    ASSERT_LE(cuts[i] - cuts[i - 1], 2 * period + 7200) << name;
-                    continue;
-                }
-                const std::int64_t local = zone.ToLocal(cuts[i]) % kDay;
-                ASSERT_TRUE(local == 0 || zone.SpanAt(cuts[i]).begin == cuts[i]) << name;
+    return value - (value % step + step) % step;
+}
+
+// Where a period below a day cuts, found minute by minute: where the clock is in another period of its day than the
+// minute before, and where it is set to the beginning of one.
+Cuts CutsByTheMinute(const TimeZone& zone, std::int64_t from, std::int64_t to, std::int32_t period)
+{
+    const auto start = [&](std::int64_t utc) {
+        const std::int64_t local = zone.ToLocal(utc);
+        return Floor(local, kDay) + Floor(local - Floor(local, kDay), period);
+    };
+    Cuts cuts = {from};
+    for (std::int64_t utc = from + 60; utc < to; utc += 60) {
+        const bool isSet = zone.ToLocal(utc) != zone.ToLocal(utc - 60) + 60;
+        if (start(utc) != start(utc - 60) || (isSet && start(utc) == zone.ToLocal(utc))) {
+            cuts.push_back(utc);
+        }
+    }
+    cuts.push_back(to);
+    return cuts;
+}
+
+TEST(PeriodCuts, BelowADayGoByTheClockAtEveryChangeOfEveryZone)
+{
+    for (const auto& [name, changes] : test::ZoneChanges()) {
+        const TimeZone zone = test::ZoneOfTable(name);
+        for (const test::ZoneChange& change : changes) {
+            for (const std::int32_t period : {60, 300, 600, 900, 1200, 1800, 3600, 7200, 6 * 3600, 12 * 3600}) {
+                const std::int64_t from = change.utc - 5 * kHour;
+                const std::int64_t to = change.utc + 5 * kHour;
+                ASSERT_EQ(PeriodCuts(zone, from, to, period), CutsByTheMinute(zone, from, to, period))
+                    << name << ' ' << change.utc << ' ' << period;
             }
         }
     }
 }
-#endif
+
+TEST(PeriodCuts, OfOneHourTheHourThatOccursTwiceIsCutTwiceAndASkippedOneNotAtAllInEveryZone)
+{
+    for (const auto& [name, changes] : test::ZoneChanges()) {
+        const TimeZone zone = test::ZoneOfTable(name);
+        for (const test::ZoneChange& change : changes) {
+            const std::int64_t hours = (change.after - change.before) / kHour;
+            if (hours * kHour != change.after - change.before || change.utc % kHour != 0 || change.after % kHour != 0) {
+                continue;  // by half hours, or not at one
+            }
+            std::multiset<std::int64_t> clocks;
+            const Cuts cuts = PeriodCuts(zone, change.utc - 36 * kHour, change.utc + 36 * kHour, 3600);
+            for (const std::int64_t cut : cuts) {
+                clocks.insert(zone.ToLocal(cut));
+            }
+            ASSERT_EQ(cuts.size(), 73u) << name;
+            for (std::int64_t i = 0; i < hours; ++i) {
+                ASSERT_EQ(clocks.count(change.lastLocalBefore + 1 + i * kHour), 0u) << name << ' ' << change.utc;
+            }
+            for (std::int64_t i = 0; i < -hours; ++i) {
+                ASSERT_EQ(clocks.count(change.firstLocalAfter + i * kHour), 2u) << name << ' ' << change.utc;
+            }
+        }
+    }
+}
+
+// Where days are cut, found minute by minute: where the calendar first shows a date.
+Cuts DaysByTheMinute(const TimeZone& zone, std::int64_t from, std::int64_t to)
+{
+    Cuts cuts = {from};
+    std::int64_t date = Floor(zone.ToLocal(from), kDay);
+    for (std::int64_t utc = from + 60; utc < to; utc += 60) {
+        const std::int64_t today = Floor(zone.ToLocal(utc), kDay);
+        if (today > date) {
+            date = today;
+            cuts.push_back(utc);
+        }
+    }
+    cuts.push_back(to);
+    return cuts;
+}
+
+TEST(PeriodCuts, DaysGoByTheCalendarAtEveryChangeOfEveryZone)
+{
+    std::set<double> lengths;  // hours
+    for (const auto& [name, changes] : test::ZoneChanges()) {
+        const TimeZone zone = test::ZoneOfTable(name);
+        for (const test::ZoneChange& change : changes) {
+            const std::int64_t from = change.utc - 2 * kDay;
+            const std::int64_t to = change.utc + 2 * kDay;
+            const Cuts cuts = PeriodCuts(zone, from, to, 86400);
+            ASSERT_EQ(cuts, DaysByTheMinute(zone, from, to)) << name << ' ' << change.utc;
+            for (std::size_t i = 2; i + 1 < cuts.size(); ++i) {
+                lengths.insert(static_cast<double>(cuts[i] - cuts[i - 1]) / 3600);
+            }
+        }
+    }
+    // With the half hours of Lord Howe Island and Pyongyang, and the two hours of Troll.
+    EXPECT_EQ(lengths, (std::set<double>{22, 23, 23.5, 24, 24.5, 25, 26}));
+}
+
+TEST(PeriodCuts, AscendInEveryZoneOverAllYears)
+{
+    const std::int64_t from = At(2000, 1, 1);
+    const std::int64_t to = At(2038, 1, 1);
+    for (const auto& [name, changes] : test::ZoneChanges()) {
+        const TimeZone zone = test::ZoneOfTable(name);
+        for (const std::int32_t period :
+             {900, 3600, 7200, 25200, 86400, 2 * 86400, 7 * 86400, 30 * 86400, 2678400, 3 * 2678400, 12 * 2678400}) {
+            const Cuts cuts = PeriodCuts(zone, from, to, period);
+            ASSERT_EQ(cuts.front(), from) << name;
+            ASSERT_EQ(cuts.back(), to) << name;
+            ASSERT_TRUE(std::adjacent_find(cuts.begin(), cuts.end(), std::greater_equal<>()) == cuts.end()) << name;
+            for (std::size_t i = 1; i + 1 < cuts.size() && period >= 86400; ++i) {
+                // At midnight, or at the change that skips it.
+                ASSERT_TRUE(zone.ToLocal(cuts[i]) % kDay == 0 || zone.SpanAt(cuts[i]).begin == cuts[i]) << name;
+            }
+        }
+    }
+}
+
+TEST(PeriodCuts, MonthsAreWholeInEveryZone)
+{
+    for (const auto& [name, changes] : test::ZoneChanges()) {
+        const TimeZone zone = test::ZoneOfTable(name);
+        const Cuts cuts = PeriodCuts(zone, zone.ToUtc(At(2001, 1, 1)), zone.ToUtc(At(2037, 1, 1)), 2678400);
+        ASSERT_EQ(cuts.size(), 36u * 12 + 1) << name;
+        for (std::size_t i = 0; i < cuts.size(); ++i) {
+            const int month = static_cast<int>(i);
+            ASSERT_EQ(cuts[i], zone.ToUtc(At(2001 + month / 12, static_cast<unsigned>(month % 12 + 1), 1))) << name;
+        }
+    }
+}
 
 }  // namespace
 }  // namespace zr

@@ -148,6 +148,28 @@ TEST_F(ZRLoggerDataHoursTest, TheHourTypesAddUpOverBothClockChanges)
     EXPECT_EQ(ValuesOf(autumn, 2), std::vector{25.0 * 60});
 }
 
+TEST_F(ZRLoggerDataHoursTest, ARangeMayBeginAndEndWithinASecond)
+{
+    SetVariables({u"T.MVDF@DAY#M.U", u"T.MVDF@NIGHT#M.U", u"M.U"});
+    const auto moment = [](int hour, std::uint32_t micros) {
+        ZRDateTime date = Date(1, 12, 2002, hour);
+        date.microseconds = micros;
+        return date;
+    };
+    Record(u"M.U", VariableClass::Instantaneous, moment(3, 250000), 1.0);
+    Record(u"M.U", VariableClass::Instantaneous, moment(3, 750000), 2.0);
+    Record(u"M.U", VariableClass::Instantaneous, moment(7, 250000), 4.0);
+    Record(u"M.U", VariableClass::Instantaneous, moment(7, 750000), 8.0);
+    const auto& group = Select(moment(3, 500000), moment(7, 500000), kRecorded);
+    EXPECT_EQ(ValuesOf(group, 0), (std::vector{-1.0, 4.0}));
+    EXPECT_EQ(ValuesOf(group, 1), (std::vector{2.0, -1.0}));
+    EXPECT_EQ(ValuesOf(group, 2), (std::vector{2.0, 4.0}));
+    data.RecordGroup(kDay, nullptr);
+    EXPECT_EQ(ValuesOf(data.RecordGroup(kDay, nullptr), 0), std::vector{4.0});
+    EXPECT_EQ(ValuesOf(data.RecordGroup(kDay, nullptr), 1), std::vector{2.0});
+    EXPECT_EQ(ValuesOf(data.RecordGroup(kDay, nullptr), 2), std::vector{3.0});
+}
+
 TEST_F(ZRLoggerDataHoursTest, ATariffChangedLaterSplitsAllHistoryAnew)
 {
     SetVariables({u"T.MVDF@DAY#M.E"});

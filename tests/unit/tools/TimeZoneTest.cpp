@@ -139,13 +139,12 @@ TEST(TimeZone, ZonesByNameDontChangeWhereTheTableSaysNothing)
         }
     }
 }
+#endif
 
 TEST(TimeZone, EveryLocalTimeLeadsBackToItself)
 {
     for (const auto& [name, changes] : ZoneChanges()) {
-        TimeZone zone;
-        std::string error;
-        ASSERT_TRUE(TimeZone::Find(name, zone, error)) << error;
+        const TimeZone zone = test::ZoneOfTable(name);
         for (const ZoneChange& change : changes) {
             for (std::int64_t utc = change.utc - 90000; utc < change.utc + 90000; utc += 1799) {
                 const std::int64_t local = zone.ToLocal(utc);
@@ -156,7 +155,21 @@ TEST(TimeZone, EveryLocalTimeLeadsBackToItself)
         }
     }
 }
-#endif
+
+TEST(TimeZone, AtEveryChangeASkippedTimeIsItsMomentAndADoubledOneTheFirst)
+{
+    for (const auto& [name, changes] : ZoneChanges()) {
+        const TimeZone zone = test::ZoneOfTable(name);
+        for (const ZoneChange& change : changes) {
+            for (std::int64_t local = change.lastLocalBefore + 1; local < change.firstLocalAfter; local += 60) {
+                ASSERT_EQ(zone.ToUtc(local), change.utc) << name;
+            }
+            for (std::int64_t local = change.firstLocalAfter; local <= change.lastLocalBefore; local += 60) {
+                ASSERT_EQ(zone.ToUtc(local), local - change.before) << name;
+            }
+        }
+    }
+}
 
 }  // namespace
 }  // namespace zr

@@ -31,13 +31,14 @@ private:
 
 HourRuns::HourRuns(const HourCalendar& calendar, const TimeZone& zone, std::int64_t from, std::int64_t to)
 {
-    // Whole seconds, as the cuts of periods; the range lies after 1970.
+    // The range lies after 1970 and may begin and end within a second.
     for (const HourCalendar::Run& run : calendar.Runs(zone, from / kMicros, (to + kMicros - 1) / kMicros)) {
-        if (m_cuts.empty()) {
-            m_cuts.push_back(run.from * kMicros);
-        }
-        m_cuts.push_back(run.to * kMicros);
+        m_cuts.push_back(run.from * kMicros);
         m_hourTypes.push_back(run.hourType);
+    }
+    if (!m_cuts.empty()) {
+        m_cuts.front() = from;
+        m_cuts.push_back(to);
     }
 }
 

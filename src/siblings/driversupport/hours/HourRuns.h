@@ -14,7 +14,7 @@ namespace zr {
 // Times in microseconds since 1970 UTC. Immutable. Any thread.
 class HourRuns {
 public:
-    // `to` exclusive. Covers it to the whole second, as the cuts of periods do.
+    // `to` exclusive.
     HourRuns(const HourCalendar& calendar, const TimeZone& zone, std::int64_t from, std::int64_t to);
 
     // Run i goes from Cuts()[i] to Cuts()[i + 1], exclusive.

@@ -43,8 +43,12 @@ const HourSplit::Filter& HourSplit::Read(const ZRBasicString& name)
     if (!isNew) {
         return filter;
     }
-    if (!IsFilterName(name) || ZRKestrixSetup::instance == nullptr) {
+    if (!IsFilterName(name)) {
         AddProblem("\"" + Utf16ToUtf8(name) + "\": no name of a filter file");
+        return filter;
+    }
+    if (ZRKestrixSetup::instance == nullptr) {
+        AddProblem(Utf16ToUtf8(name) + ": the program has no folder of filter files");
         return filter;
     }
     const auto file = PathFromText((ZRKestrixSetup::Get().dataFolder + name).Text());
@@ -55,7 +59,7 @@ const HourSplit::Filter& HourSplit::Read(const ZRBasicString& name)
         return filter;
     }
     if (!read.Calendar()) {
-        AddProblem(TextOfPath(file) + ": has no calendar, so that nothing tells when its hour types hold");
+        AddProblem(NoCalendarText(file));
         return filter;
     }
     for (const FilterFile::HourType& type : read.HourTypes()) {

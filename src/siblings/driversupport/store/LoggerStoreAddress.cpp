@@ -1,5 +1,6 @@
 #include "siblings/driversupport/store/LoggerStoreAddress.h"
 
+#include "siblings/driversupport/store/OpenPostgresLoggerStore.h"
 #include "siblings/driversupport/store/SqliteLoggerStore.h"
 
 namespace zr {
@@ -8,12 +9,20 @@ std::vector<std::unique_ptr<LoggerStore>> OpenLoggerNodes(const LoggerStoreAddre
 {
     std::vector<std::unique_ptr<LoggerStore>> stores;
     error.clear();
-    if (!address.nodes.empty()) {
-        error = "this program was built without stores on servers";
-    } else if (address.file.empty()) {
-        error = "neither a file nor a server is named to keep logged data";
-    } else {
-        stores.push_back(std::make_unique<SqliteLoggerStore>(address.file));
+    if (address.nodes.empty()) {
+        if (address.file.empty()) {
+            error = "neither a file nor a server is named to keep logged data";
+        } else {
+            stores.push_back(std::make_unique<SqliteLoggerStore>(address.file));
+        }
+        return stores;
+    }
+    for (const std::string& node : address.nodes) {
+        std::unique_ptr<LoggerStore> store = OpenPostgresLoggerStore(node, error);
+        if (store == nullptr) {
+            return {};
+        }
+        stores.push_back(std::move(store));
     }
     return stores;
 }

@@ -1,0 +1,303 @@
+#include "logger/TableCopy.h"
+
+#include "logger/RecordCursor.h"
+#include "platform/Unicode.h"
+#include "siblings/tools/ZRLocaleInformation.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace zr::logger {
+
+namespace {
+
+using View = std::u16string_view;
+
+// Header and tail of "HTML Format". The comment keeps its blank.
+constexpr std::string_view kHeaderTail =
+    "<html><body>\r\n"
+    "<!--StartFragment -->\r\n"
+    "<table width=\"100%\" border=\"0\" cellspacing=\"0\" cellpadding=\"0\">\r\n";
+constexpr std::string_view kTail = "</table>\r\n<!--EndFragment-->\r\n</body>\r\n</html>";
+constexpr std::string_view kLineEnd = "\r\n";
+// From the page's first character to the first comment, and from the tail's to the last one.
+constexpr std::size_t kBeforeFragment = 14;
+constexpr std::size_t kTailBeforeFragment = 10;
+// Room for the header in front of the rows.
+constexpr std::size_t kHeaderRoom = 512;
+
+// The most bytes of UTF-8 for a unit of UTF-16.
+constexpr std::size_t kMaxBytes = 3;
+
+char* Put(char* at, std::string_view text)
+{
+    std::memcpy(at, text.data(), text.size());
+    return at + text.size();
+}
+
+wchar* Put(wchar* at, View text)
+{
+    std::memcpy(at, text.data(), text.size() * sizeof(wchar));
+    return at + text.size();
+}
+
+char* PutUtf8(char* at, View text)
+{
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] >= 0x80) {
+            return Put(at, Utf8From16(text.substr(i)));
+        }
+        *at++ = static_cast<char>(text[i]);
+    }
+    return at;
+}
+
+std::string Position(std::size_t position)
+{
+    std::array<char, 24> digits{};
+    const int length = std::snprintf(digits.data(), digits.size(), "%08zu", position);
+    return {digits.data(), static_cast<std::size_t>(length)};
+}
+
+// The lines with the positions, for a page of so many characters behind them. Their own digits count in what they tell.
+std::string PositionLines(std::size_t pageCharacters)
+{
+    std::string lines;
+    std::size_t length = 0;
+    do {
+        length = lines.size();
+        const std::size_t end = length + pageCharacters;
+        lines = "Version:0.9\r\nStartHTML:" + Position(length) + "\r\nEndHTML:" + Position(end) +
+                "\r\nStartFragment:" + Position(length + kBeforeFragment) +
+                "\r\nEndFragment:" + Position(end - kTail.size() + kTailBeforeFragment) + "\r\n";
+    } while (lines.size() != length);
+    return lines;
+}
+
+bool IsSpecial(wchar character)
+{
+    return character == u'&' || character == u'<' || character == u'>' || character == u'"';
+}
+
+bool HasSpecial(const ZRBasicString& text)
+{
+    return std::any_of(text.Text().begin(), text.Text().end(), IsSpecial);
+}
+
+// Whether a time or a number as the user writes them may hold what has to be escaped.
+bool FormatsNeedEscape(const ZRLocaleInformation<ZRBasicString>& locale)
+{
+    return HasSpecial(locale.decimalSeparator) || HasSpecial(locale.thousandsSeparator) ||
+           HasSpecial(locale.timeSeparator) || HasSpecial(locale.dateSeparator) ||
+           std::any_of(locale.dayNames.begin(), locale.dayNames.end(), HasSpecial);
+}
+
+// One text that is written row by row; a row is there whole or not at all. Closes when there is no more memory.
+template <typename Char>
+class RowText {
+public:
+    RowText(TextBlock<Char>& block, const CopyRoom::Grant& limit) : m_block(block), m_room(limit) {}
+
+    [[nodiscard]] bool IsOpen() const { return m_isOpen; }
+    // UTF-16 units of the whole rows.
+    [[nodiscard]] std::size_t Characters() const { return m_characters; }
+
+    // A cell between what stands before and behind it, which is ASCII.
+    void Write(std::basic_string_view<Char> before, View text, std::basic_string_view<Char> behind)
+    {
+        if (!m_isOpen) {
+            return;
+        }
+        if (!m_block.Reserve(before.size() + kMaxBytes * text.size() + behind.size())) {
+            m_block.Truncate(m_rowFirst);
+            m_isOpen = false;
+            return;
+        }
+        Char* at = Put(m_block.End(), before);
+        if constexpr (sizeof(Char) == 1) {
+            at = PutUtf8(at, text);
+        } else {
+            at = Put(at, text);
+        }
+        m_block.SetEnd(Put(at, behind));
+        m_rowCharacters += before.size() + text.size() + behind.size();
+    }
+
+    void EndTitles(std::basic_string_view<Char> end)
+    {
+        Write(end, View(), {});
+        TakeRow();
+    }
+
+    void EndRow(std::basic_string_view<Char> end)
+    {
+        EndTitles(end);
+        m_isOpen = m_isOpen && m_room.AfterRow(m_characters);
+    }
+
+private:
+    void TakeRow()
+    {
+        if (m_isOpen) {
+            m_characters += m_rowCharacters;
+            m_rowFirst = m_block.Size();
+        }
+        m_rowCharacters = 0;
+    }
+
+    TextBlock<Char>& m_block;
+    CopyRoom m_room;
+    std::size_t m_characters = 0;
+    std::size_t m_rowCharacters = 0;  // of the row at hand
+    std::size_t m_rowFirst = m_block.Size();
+    bool m_isOpen = true;
+};
+
+using HtmlRows = RowText<char>;
+using PlainRows = RowText<wchar>;
+
+void WriteTitles(const std::vector<ZRBasicString>& titles, HtmlRows& html, PlainRows& plain)
+{
+    html.Write("<TR>", View(), {});
+    for (const ZRBasicString& title : titles) {
+        html.Write("<TD><B>", title, "</B></TD>");
+        plain.Write({}, title, u"\t");
+    }
+    html.EndTitles("</TR>\r\n");
+    plain.EndTitles(u"\r\n");
+}
+
+// text: room for the text of a cell.
+void WriteRow(const LoggedRecord& record, const TableCopySource& source, ZRBasicString& text, HtmlRows& html,
+              PlainRows& plain)
+{
+    FormatTableViewerTime(text, record.time, source.groupBy);
+    html.Write("<TR><TD>", text, "</TD>");
+    plain.Write({}, text, {});
+    for (const ValueColumn& column : source.values) {
+        const bool hasValue = column.Text(record, text);
+        html.Write("<TD>", text, "</TD>");
+        plain.Write(u"\t", hasValue ? text.Text() : View(u" "), {});
+    }
+    html.EndRow("</TR>\r\n");
+    plain.EndRow(u"\r\n");
+}
+
+void AppendEscapedRow(const LoggedRecord& record, const TableCopySource& source, ZRBasicString& text,
+                      TextBlock<char>& block)
+{
+    std::string row = "<TR><TD>" + EscapedHtml(FormatTableViewerTime(text, record.time, source.groupBy)) + "</TD>";
+    for (const ValueColumn& column : source.values) {
+        column.Text(record, text);
+        row += "<TD>" + EscapedHtml(text) + "</TD>";
+    }
+    block.Append(row + "</TR>\r\n");
+}
+
+}  // namespace
+
+TableCopy::TableCopy(const TableCopySource& source, const CopyRoom::Grant& limit)
+    : m_titles(source.titles), m_needsEscape(FormatsNeedEscape(localeInformationWide))
+{
+    if (!m_html.Reserve(kHeaderRoom)) {
+        return;
+    }
+    m_html.SetEnd(m_html.Data() + kHeaderRoom);
+    HtmlRows html(m_html, limit);
+    PlainRows plain(m_plain, limit);
+    WriteTitles(source.titles, html, plain);
+    m_rowsFirst = m_html.Size();
+    RecordCursor cursor;
+    cursor.Reset(source.group);
+    ZRBasicString text;
+    for (int row = source.rows.NextFrom(0, cursor.Count()); row >= 0 && (html.IsOpen() || plain.IsOpen());
+         row = source.rows.NextFrom(row + 1, cursor.Count())) {
+        const LoggedRecord& record = *cursor.MoveTo(row);
+        if (m_needsEscape && html.IsOpen()) {
+            AppendEscapedRow(record, source, text, m_escapedRows);
+        }
+        WriteRow(record, source, text, html, plain);
+    }
+    m_rowsLast = m_html.Size();
+    WrapHtml(html.Characters());
+    if (m_plain.Reserve(1)) {
+        *m_plain.End() = u'\0';
+    } else {
+        m_plain = {};
+    }
+}
+
+void TableCopy::WrapHtml(std::size_t characters)
+{
+    const std::size_t page = kHeaderTail.size() + characters + kLineEnd.size() + kTail.size();
+    const std::string header = PositionLines(page).append(kHeaderTail);
+    m_htmlFirst = kHeaderRoom - header.size();
+    // The zero stands behind the tail's text.
+    if (!m_html.Append(kLineEnd) || !m_html.Append({kTail.data(), kTail.size() + 1})) {
+        m_html = {};
+        return;
+    }
+    m_html.Truncate(m_html.Size() - 1);
+    Put(m_html.Data() + m_htmlFirst, header);
+}
+
+std::string_view TableCopy::HtmlFormat() const
+{
+    return m_html.Size() == 0 ? std::string_view()
+                              : std::string_view(m_html.Data() + m_htmlFirst, m_html.Size() - m_htmlFirst);
+}
+
+std::u16string_view TableCopy::PlainText() const
+{
+    return m_plain.Data() == nullptr ? View() : View(m_plain.Data(), m_plain.Size());
+}
+
+std::string TableCopy::TextHtml() const
+{
+    std::string page =
+        "<html><head><meta http-equiv=\"content-type\" content=\"text/html; charset=utf-8\"></head><body>\r\n"
+        "<table border=\"0\" cellspacing=\"0\" cellpadding=\"0\">\r\n<TR>";
+    for (const ZRBasicString& title : m_titles) {
+        page += "<TD><B>" + EscapedHtml(title) + "</B></TD>";
+    }
+    page += "</TR>\r\n";
+    if (m_needsEscape) {
+        page.append(m_escapedRows.Data(), m_escapedRows.Size());
+    } else if (m_html.Size() != 0) {
+        // But for the titles nothing in it has to be escaped.
+        page.append(m_html.Data() + m_rowsFirst, m_rowsLast - m_rowsFirst);
+    }
+    return page += "</table>\r\n</body></html>\r\n";
+}
+
+std::string TableCopy::TextPlain() const
+{
+    return Utf8From16(PlainText());
+}
+
+std::string EscapedHtml(std::u16string_view text)
+{
+    std::string escaped;
+    for (const char character : Utf8From16(text)) {
+        switch (character) {
+            case '&':
+                escaped += "&amp;";
+                break;
+            case '<':
+                escaped += "&lt;";
+                break;
+            case '>':
+                escaped += "&gt;";
+                break;
+            case '"':
+                escaped += "&quot;";
+                break;
+            default:
+                escaped += character;
+        }
+    }
+    return escaped;
+}
+
+}  // namespace zr::logger

@@ -1,0 +1,13 @@
+#include "siblings/driversupport/store/OpenPostgresLoggerStore.h"
+
+#include "siblings/driversupport/store/PostgresLoggerStore.h"
+
+namespace zr {
+
+std::unique_ptr<LoggerStore> OpenPostgresLoggerStore(const std::string& connection, std::string& error)
+{
+    error.clear();
+    return std::make_unique<PostgresLoggerStore>(connection);
+}
+
+}  // namespace zr

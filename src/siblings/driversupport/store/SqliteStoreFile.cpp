@@ -64,9 +64,11 @@ bool SqliteStoreFile::Connect(const SqliteStoreOptions& options, Use use, std::s
 bool SqliteStoreFile::ConnectToWrite(const SqliteStoreOptions& options, std::string& why)
 {
     m_isFull = options.synchronous == SqliteStoreOptions::Synchronous::Full;
+    std::int64_t pages = 0;
     return m_connection.Open(m_path, SqliteConnection::Access::ReadWrite, options.vfs) &&
-           // Both count before there is a table only.
-           m_connection.Run("PRAGMA page_size = 4096; PRAGMA auto_vacuum = INCREMENTAL") &&
+           m_connection.ReadInteger("PRAGMA page_count", pages) &&
+           // Both are for a new file; in one that is in use the second would be a write.
+           (pages != 0 || m_connection.Run("PRAGMA page_size = 4096; PRAGMA auto_vacuum = INCREMENTAL")) &&
            m_connection.Run("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 16777216") && SetWaiting(true) &&
            PrepareSqliteSchema(m_connection, why);
 }

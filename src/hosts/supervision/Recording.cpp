@@ -1,7 +1,6 @@
 #include "hosts/supervision/Recording.h"
 
 #include "hosts/supervision/RecordedVariables.h"
-#include "hosts/supervision/RecordingIds.h"
 #include "hosts/supervision/RecordingNotices.h"
 #include "hosts/supervision/StorePlace.h"
 #include "platform/Clock.h"
@@ -9,9 +8,7 @@
 #include "platform/Paths.h"
 #include "siblings/driversupport/store/LoggerNodes.h"
 #include "siblings/driversupport/ZRDeviceDriver.h"
-#include "siblings/tools/FormatText.h"
 #include "siblings/tools/Utf.h"
-#include "siblings/tools/ZRLoadString.h"
 
 #include <algorithm>
 #include <system_error>
@@ -136,14 +133,12 @@ void Recording::TakePlaces()
 
 std::vector<ZRBasicString> Recording::StoreTitles() const
 {
-    if (m_address.nodes.empty()) {
-        return {Utf8ToUtf16(TextOfPath(m_address.file.filename()))};
-    }
     std::vector<ZRBasicString> titles;
-    ZRBasicString format;
-    ZRLoadString(kTextStoreTitle, format);
-    for (std::size_t i = 0; i < m_address.nodes.size(); ++i) {
-        titles.push_back(FormatText(format.Text(), {i + 1}));
+    for (const std::string& name : LoggerNodeNames(m_address)) {
+        titles.push_back(Utf8ToUtf16(name));
+    }
+    if (m_address.nodes.empty()) {
+        titles.front() = Utf8ToUtf16(TextOfPath(m_address.file.filename()));
     }
     return titles;
 }

@@ -23,7 +23,7 @@ struct RecordingStatus {
     std::filesystem::path file;       // the recording file, or where it would be
     std::filesystem::path storeFile;  // empty: nodes
     std::vector<ZRBasicString>
-        nodes;  // a title each: the name of the store's file, or the place of a server among them
+        nodes;  // a title each: the name of the store's file, or "host:port/database" of a server
     std::vector<LoggerDataSet> dataSets;  // as their variables were looked up last
     RecorderFigures figures;              // counts since the program started; of nodes only while it records
 };

@@ -17,7 +17,6 @@ inline constexpr unsigned kTextLostDevice = 40307;
 inline constexpr unsigned kTextLostInSpool = 40308;
 inline constexpr unsigned kTextThisComputer = 40309;
 inline constexpr unsigned kTextBySeconds = 40310;
-inline constexpr unsigned kTextStoreTitle = 40311;
 
 // Whole messages, of notices whose type has no text in the warning list.
 inline constexpr unsigned kMessageStoreBack = 40312;

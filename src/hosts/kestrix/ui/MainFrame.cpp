@@ -114,7 +114,9 @@ void MainFrame::ShowRegistry()
     ZRMainCfg& document = m_supervisor.Document();
     m_isFilling = true;
     DeviceTree tree(document.root != nullptr ? document.root->Node(u"DeviceGroups") : nullptr, m_watch->Names());
-    tree.AddLoggedData();
+    if (!m_watch->Names().empty()) {
+        tree.AddLoggedData();
+    }
     m_tree->Show(tree);
     m_tree->UpdateStates(*m_watch);
     ShowLoggedData();

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,25 @@ bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::st
 // folder. A target that is a symbolic link stays one: what it points to is replaced. False on failure: the old file is
 // then as before, the temporary one is gone and reason says why. Blocks on the disk.
 bool WriteFileReplacing(const std::filesystem::path& path, std::string_view bytes, std::string& reason);
+
+// The same for a file that is written piece by piece. What isn't committed by the end of its life leaves no trace. One
+// thread.
+class ReplacingFile {
+public:
+    ReplacingFile();
+    ~ReplacingFile();
+    ReplacingFile(const ReplacingFile&) = delete;
+    ReplacingFile& operator=(const ReplacingFile&) = delete;
+
+    // Each false on failure: the old file is then as before, the temporary one is gone and reason says why.
+    bool Open(const std::filesystem::path& path, std::string& reason);
+    bool Write(std::string_view bytes, std::string& reason);
+    bool Commit(std::string& reason);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;  // null: not open
+};
 
 // Makes a folder with the ones above it, each new one with mode 0700. False when one can't be made; reason says why.
 bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason);

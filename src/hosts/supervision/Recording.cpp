@@ -2,6 +2,7 @@
 
 #include "hosts/supervision/RecordedVariables.h"
 #include "hosts/supervision/RecordingNotices.h"
+#include "hosts/supervision/StorePlace.h"
 #include "platform/Clock.h"
 #include "platform/FileReplace.h"
 #include "platform/Paths.h"
@@ -124,11 +125,7 @@ std::string Recording::Remark() const
 void Recording::TakePlaces()
 {
     const std::filesystem::path title = m_document.stem();
-    m_address = {};
-    m_address.nodes = m_recording.nodes;
-    if (m_recording.nodes.empty()) {
-        m_address.file = m_dataFolder / (m_recording.store.empty() ? WithSuffix(title, ".zrlog") : m_recording.store);
-    }
+    m_address = StoreAddressOf(m_recording, m_document, m_dataFolder);
     const std::filesystem::path beside =
         m_recording.nodes.empty() ? WithSuffix(m_address.file, "-spool") : m_dataFolder / WithSuffix(title, "-spool");
     m_spool = m_recording.spoolFolder.empty() ? beside : m_dataFolder / m_recording.spoolFolder;
@@ -178,12 +175,11 @@ void Recording::OpenForReading()
         return;
     }
     std::string error;
-    std::vector<std::unique_ptr<LoggerStore>> nodes = OpenLoggerNodes(m_address, error);
-    if (nodes.empty()) {
+    m_reading = OpenLoggerStore(m_address, error);
+    if (m_reading == nullptr) {
         Refuse(error);
         return;
     }
-    m_reading = nodes.size() == 1 ? std::move(nodes.front()) : std::make_unique<LoggerNodes>(std::move(nodes));
     SetLoggerStore(m_reading.get());
 }
 

@@ -124,4 +124,32 @@ TEST_F(FileReplace, PathsAndTextsConvertBothWays)
     EXPECT_EQ(zr::TextOfPath(zr::PathFromText(std::u16string_view(broken))), "a\xEF\xBF\xBD");
 }
 
+TEST_F(FileReplace, PiecesReplaceAFileOnceTheyAreCommitted)
+{
+    m_folder.Write("f", "old");
+    zr::ReplacingFile file;
+    ASSERT_TRUE(file.Open(m_folder / "f", m_reason)) << m_reason;
+    EXPECT_TRUE(file.Write("new ", m_reason));
+    EXPECT_TRUE(file.Write("content", m_reason));
+    EXPECT_EQ(m_folder.Read("f"), "old");
+    EXPECT_TRUE(file.Commit(m_reason)) << m_reason;
+    EXPECT_EQ(m_folder.Read("f"), "new content");
+    EXPECT_THAT(m_folder.Names(), testing::ElementsAre("f"));
+}
+
+TEST_F(FileReplace, PiecesThatAreNotCommittedLeaveNoTrace)
+{
+    m_folder.Write("f", "old");
+    {
+        zr::ReplacingFile file;
+        ASSERT_TRUE(file.Open(m_folder / "f", m_reason)) << m_reason;
+        EXPECT_TRUE(file.Write("new", m_reason));
+    }
+    EXPECT_EQ(m_folder.Read("f"), "old");
+    EXPECT_THAT(m_folder.Names(), testing::ElementsAre("f"));
+    zr::ReplacingFile file;
+    EXPECT_FALSE(file.Open(m_folder / "nowhere" / "f", m_reason));
+    EXPECT_NE(m_reason, "");
+}
+
 }  // namespace

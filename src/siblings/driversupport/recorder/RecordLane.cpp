@@ -166,7 +166,7 @@ void RecordLane::TakePushed()
     const std::lock_guard lock(m_guard);
     std::move(m_queue.begin(), m_queue.end(), std::back_inserter(m_waiting));
     m_queue.clear();
-    for (std::size_t i = 0; i < m_newInfoCodes.size(); ++i) {
+    for (std::size_t i = 0; i < std::min(m_newInfoCodes.size(), m_names.Variables()); ++i) {
         m_names.SetInfoCode(static_cast<int>(i), m_newInfoCodes[i]);
     }
     m_newInfoCodes.clear();

@@ -1,7 +1,7 @@
 #include "LoadBench.h"
 
 #include "BenchLine.h"
-#include "MedianMs.h"
+#include "Median.h"
 #include "MemoryPeak.h"
 #include "siblings/driversupport/store/SqliteLoggerStore.h"
 #include "siblings/driversupport/ZRLoggerData.h"
@@ -16,8 +16,8 @@ namespace zr::bench {
 
 namespace {
 
-constexpr std::size_t kRounds = 9;
-constexpr std::size_t kPeerRounds = 3;
+constexpr int kRounds = 5;
+constexpr int kLoadsARound = 3;
 constexpr ZRDateTimeSpan kRecorded(0, 0);
 constexpr ZRDateTimeSpan kDay(86400, 0);
 constexpr double kValues = static_cast<double>(DemoYear::kRecords * DemoYear::kVariables);
@@ -54,14 +54,9 @@ void CheckRecords(RecordIterator record, RecordIterator end, const DemoYear& yea
     Require(r == year.times.size(), "records are missing");
 }
 
-double PeerMs(RecordArena (*load)(const std::filesystem::path&), const std::filesystem::path& file,
-              const DemoYear& year)
+void CheckPeer(const RecordArena& arena, const DemoYear& year)
 {
-    const double median = MedianMs(
-        kPeerRounds, [&] { Require(load(file).Size() == DemoYear::kRecords, "a peer's records are missing"); });
-    const RecordArena arena = load(file);
     CheckRecords(arena.At(0), arena.At(arena.Size()), year);
-    return median;
 }
 
 class Loader {
@@ -121,19 +116,30 @@ void RunLoadBench(const DemoYear& year, const std::filesystem::path& folder)
         const auto& group = loader.Load(kRecorded, DemoYear::kRecords);
         CheckRecords(group.first, group.last, year);
     }
+    CheckPeer(RowASample::Load(folder / "sample.db"), year);
+    CheckPeer(RowARecord::Load(folder / "record.db"), year);
     PrintMemory();
     Loader loader;
-    const double loading = MedianMs(kRounds, [&] { loader.Load(kRecorded, DemoYear::kRecords); });
-    const double daily = MedianMs(kRounds, [&] { loader.Load(kDay, 365); });
-    loader.Free();
-    const double rowASample = PeerMs(&RowASample::Load, folder / "sample.db", year);
-    const double rowARecord = PeerMs(&RowARecord::Load, folder / "record.db", year);
-    PrintLine("store.load_year_ms", loading, "ms");
-    PrintLine("store.load_year_row_sample_ms", rowASample, "ms");
-    PrintLine("store.load_year_row_record_ms", rowARecord, "ms");
-    PrintLine("store.load_year_ratio_row_sample", rowASample / loading, "x");
-    PrintLine("store.load_year_ratio_row_record", rowARecord / loading, "x");
-    PrintLine("store.year_daily_ms", daily, "ms");
+    // In turn, so that what else the machine does falls on all of them.
+    Median loading;
+    Median daily;
+    Median rowASample;
+    Median rowARecord;
+    for (int round = 0; round < kRounds; ++round) {
+        for (int i = 0; i < kLoadsARound; ++i) {
+            loading.Add([&] { loader.Load(kRecorded, DemoYear::kRecords); });
+            daily.Add([&] { loader.Load(kDay, 365); });
+        }
+        loader.Free();
+        rowASample.Add([&] { RowASample::Load(folder / "sample.db"); });
+        rowARecord.Add([&] { RowARecord::Load(folder / "record.db"); });
+    }
+    PrintLine("store.load_year_ms", loading.Ms(), "ms");
+    PrintLine("store.load_year_row_sample_ms", rowASample.Ms(), "ms");
+    PrintLine("store.load_year_row_record_ms", rowARecord.Ms(), "ms");
+    PrintLine("store.load_year_ratio_row_sample", rowASample.Ms() / loading.Ms(), "x");
+    PrintLine("store.load_year_ratio_row_record", rowARecord.Ms() / loading.Ms(), "x");
+    PrintLine("store.year_daily_ms", daily.Ms(), "ms");
     SetLoggerStore(nullptr);
 }
 

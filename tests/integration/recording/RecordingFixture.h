@@ -6,11 +6,13 @@
 #include "support/Process.h"
 #include "support/TempFolder.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 #include <map>
 #include <memory>
@@ -91,23 +93,24 @@ protected:
     void LimitFiles(int bytes) const { EXPECT_TRUE(m_program->Write(std::to_string(bytes) + "\n")); }
     void LimitFilesNoMore() const { EXPECT_TRUE(m_program->Write("\n")); }
 
-    // The store's file with what stands beside it goes, and a folder takes its place; and back.
+    // A folder takes the place of the store's file, in one step: a store that finds nothing there begins a new one.
     void PutStoreAway() const
     {
-        for (const char* const ending : {"", "-wal", "-shm"}) {
-            std::error_code ignored;
-            std::filesystem::rename(StoreFile().string() + ending, m_folder.Path() / (std::string("away") + ending),
-                                    ignored);
+        std::filesystem::create_directory(Away());
+        if (!std::filesystem::exists(StoreFile())) {
+            std::filesystem::create_directory(StoreFile());
+            std::filesystem::remove(Away());
+            return;
         }
-        std::filesystem::create_directory(StoreFile());
+        Exchange();
     }
     void PutStoreBack() const
     {
-        std::filesystem::remove(StoreFile());
-        for (const char* const ending : {"", "-wal", "-shm"}) {
-            std::error_code ignored;
-            std::filesystem::rename(m_folder.Path() / (std::string("away") + ending), StoreFile().string() + ending,
-                                    ignored);
+        if (std::filesystem::exists(Away())) {
+            Exchange();
+            std::filesystem::remove(Away());
+        } else {
+            std::filesystem::remove(StoreFile());
         }
     }
 
@@ -196,6 +199,11 @@ protected:
     int m_lines = 0;
 
 private:
+    [[nodiscard]] std::filesystem::path Away() const { return m_folder / "away"; }
+    void Exchange() const
+    {
+        EXPECT_EQ(::renameat2(AT_FDCWD, StoreFile().c_str(), AT_FDCWD, Away().c_str(), RENAME_EXCHANGE), 0);
+    }
     [[nodiscard]] static ZRBasicString NameOf(int variable)
     {
         const std::string digits = std::to_string(variable);

@@ -308,6 +308,20 @@ TEST_F(RecordLane, AFullSpoolKeepsABitInMemoryAndCountsTheRest)
     EXPECT_EQ(Node().state, RecorderNodeState::Recording);
 }
 
+TEST_F(RecordLane, WhereThereIsNoRoomForManyThereMayBeSomeForOne)
+{
+    Restart(300);
+    m_store.SetAvailable(false);
+    for (std::int64_t time = 1; time <= 20; ++time) {
+        EXPECT_TRUE(Push(Mains(time)));
+    }
+    m_lane->Step();
+    EXPECT_GT(Figures().total.spooled, 0u);
+    EXPECT_EQ(Figures().total.spooled + Node().queued, 40u);
+    EXPECT_EQ(Node().state, RecorderNodeState::Full);
+    EXPECT_EQ(Notices(Kind::SpoolFailed).size(), 1u);
+}
+
 TEST_F(RecordLane, NothingIsTakenOnWithoutEnd)
 {
     const RecordBatch large{kMidnight, 0, false, std::vector<zr::RecordedValue>(100000, {0, 1.0})};

@@ -91,6 +91,10 @@ bool SqliteLoggerStore::Ready()
         return true;
     }
     if (m_session != nullptr) {
+        if (!m_session->file->IsCurrent()) {
+            // A file that was moved away may come back: what the log has of it goes with it, since the log can't.
+            m_session->connection.Run("PRAGMA wal_checkpoint(TRUNCATE)");
+        }
         m_session->file->RemoveRemains();
         m_findings = TakeFindings();
         m_session.reset();

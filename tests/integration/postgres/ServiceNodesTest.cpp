@@ -33,7 +33,7 @@ protected:
             return line == "ready";
         })) << m_plant->Errors();
         m_document = m_folder.Write(
-            "plant.xml", DocumentText(UdpLine("L", port, 300), {{"METER", "EM3", "L", "Unit=\"1\" Period=\"0.2\""}}));
+            "plant.xml", DocumentText(UdpLine("L", port, 1000), {{"METER", "EM3", "L", "Unit=\"1\" Period=\"0.2\""}}));
         std::string text = "<Recording><Store>";
         for (int server = 1; server <= 2; ++server) {
             m_servers.push_back(FreshDatabase(server));

@@ -308,6 +308,7 @@ ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& peri
         zr::RecordArena arena;
         if (m_reader != nullptr) {
             arena = period.seconds > 0 ? BuildGrouped(period.seconds, progress) : BuildRecorded(progress);
+            m_failure = m_reader->Error();
         }
         group.reset(new CRecordGroup(std::move(arena), m_zone));
     }

@@ -3,13 +3,15 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <cstdint>
 #include <string>
 
 namespace zr::test {
 
-// Connections to it are made by the system. They wait for ever, or until HangUpOne.
+// Connections to it are made by the system. They wait for ever, or until HangUpAll.
 class LoopbackListener {
 public:
     LoopbackListener() : m_socket(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0))
@@ -42,6 +44,14 @@ public:
         return count;
     }
 
+    // -1 when none waits.
+    int Accept() { return ::accept4(m_socket, nullptr, nullptr, SOCK_CLOEXEC); }
+    void WaitForOne(int milliseconds) const
+    {
+        pollfd waited{m_socket, POLLIN, 0};
+        ::poll(&waited, 1, milliseconds);
+    }
+
 private:
     static sockaddr_in Address()
     {
@@ -50,9 +60,23 @@ private:
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         return address;
     }
-    int Accept() { return ::accept4(m_socket, nullptr, nullptr, SOCK_CLOEXEC); }
-
     int m_socket;
 };
+
+// A connection to a port of loopback; -1 when nobody listens there.
+inline int ConnectTo(const std::string& port)
+{
+    const int connection = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(std::stoi(port)));
+    const void* const there = &address;
+    if (::connect(connection, static_cast<const sockaddr*>(there), sizeof address) != 0) {
+        ::close(connection);
+        return -1;
+    }
+    return connection;
+}
 
 }  // namespace zr::test

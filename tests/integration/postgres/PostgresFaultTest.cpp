@@ -1,6 +1,7 @@
 // A server that goes away, comes back, or stops answering.
 #include "integration/postgres/LoopbackListener.h"
 #include "integration/postgres/PostgresFixture.h"
+#include "integration/postgres/ReplyDropper.h"
 #include "siblings/driversupport/store/LoggerNodes.h"
 
 #include <gtest/gtest.h>
@@ -198,11 +199,17 @@ TEST(PostgresFault, AServerThatStopsAnsweringIsNotWaitedForForEver)
 {
     const std::string text = FreshDatabase(1);
     PostgresLimits limits;
-    limits.answer = limits.connect = std::chrono::milliseconds(300);
+    limits.answer = limits.connect = std::chrono::milliseconds(500);
     PostgresLoggerStore store(text, limits);
+    // A machine that has much to do may be as slow.
+    while (store.OpenSeries(u"M.U", 1) < 0) {
+        ASSERT_TRUE(Contains(store.Error(), "the server doesn't answer")) << store.Error();
+    }
     const int series = store.OpenSeries(u"M.U", 1);
     const auto reader = store.OpenReader();
-    EXPECT_EQ(reader->InfoCode(u"M.U"), 1);
+    while (reader->InfoCode(u"M.U") != 1) {
+        ASSERT_TRUE(Contains(reader->Error(), "the server doesn't answer")) << reader->Error();
+    }
     Control(1, "freeze");
     // On a connection that stands, and where a new one would have to be made.
     const std::vector<LoggerAppend> batch = {{series, kStart, 1.0}};
@@ -231,6 +238,103 @@ TEST(PostgresFault, APortThatNeverAnswersIsNotWaitedForForEver)
     EXPECT_EQ(store.Maintain(kStart), LoggerStore::Upkeep::Failed);
     BlockCollector collector;
     EXPECT_FALSE(store.OpenReader()->ReadBlocks(u"M.U", 0, kEver, LoggerNeed::Samples, collector));
+}
+
+// The batch is in the database, and the program can't know.
+TEST(PostgresFault, ABatchInDoubtIsSentAgainAndNotDoubled)
+{
+    const std::string fresh = FreshDatabase(1);
+    PostgresLoggerStore direct(fresh);
+    const std::string tcp = ServerTcpText(1);
+    const std::size_t port = tcp.find("port=") + 5;
+    ReplyDropper between(tcp.substr(port, tcp.find(' ', port) - port));
+    PostgresLoggerStore store(
+        "host=127.0.0.1 user=kestrix dbname=postgres sslmode=disable gssencmode=disable port=" + between.Port() +
+        " password=" + FromEnvironment("ZR_POSTGRES_PASSWORD") + fresh.substr(fresh.find(" options=")));
+    const int series = store.OpenSeries(u"M.U", 1);
+    ASSERT_GE(series, 0) << store.Error();
+    const std::vector<LoggerAppend> batch = {{series, kStart, 1.0}, {series, kStart + 1, 2.0}};
+    between.DropNext();
+    EXPECT_FALSE(store.Append(batch));
+    EXPECT_FALSE(store.Error().empty());
+    EXPECT_EQ(between.Dropped(), 1);
+    EXPECT_EQ(Sql(fresh).Integer("select count(*) from sample"), 2);
+    while (!store.Append(batch)) {
+        ASSERT_FALSE(store.Error().empty());
+    }
+    ExpectHolds(direct, u"M.U", {{kStart, 1.0}, {kStart + 1, 2.0}});
+
+    // The same while it packs, and while it enters a variable.
+    between.DropNext();
+    EXPECT_EQ(store.Maintain(kStart + kHour), LoggerStore::Upkeep::Failed);
+    while (store.Maintain(kStart + kHour) == LoggerStore::Upkeep::Failed) {
+        ASSERT_FALSE(store.Error().empty());
+    }
+    Maintain(store, kStart + kHour);
+    ExpectHolds(direct, u"M.U", {{kStart, 1.0}, {kStart + 1, 2.0}});
+    between.DropNext();
+    EXPECT_EQ(store.OpenSeries(u"M.I", 1), -1);
+    EXPECT_EQ(between.Dropped(), 3);
+    while (store.OpenSeries(u"M.I", 1) < 0) {
+        ASSERT_FALSE(store.Error().empty());
+    }
+    EXPECT_EQ(Sql(fresh).Integer("select count(*) from series"), 2);
+}
+
+// What the database refuses, by a trigger on that table.
+void RefuseInserts(Sql& sql, const std::string& table, const std::string& condition)
+{
+    sql.Run(
+        {"create function refuse() returns trigger language plpgsql as"
+         " 'begin raise exception $$refused$$; end'",
+         "create trigger refuse before insert on " + table + " for each row when (" + condition +
+             ") execute function refuse()"});
+}
+
+TEST(PostgresFault, ABatchThatFailsInItsMiddleLeavesNothing)
+{
+    const std::string text = FreshDatabase(1);
+    PostgresLoggerStore store(text);
+    Sql sql(text);
+    const int series = store.OpenSeries(u"M.U", 1);
+    RefuseInserts(sql, "sample", "new.value = 700");
+    std::vector<LoggerAppend> batch;
+    for (int i = 0; i < 1000; ++i) {
+        batch.push_back({series, kStart + i, static_cast<double>(i)});
+    }
+    EXPECT_FALSE(store.Append(batch));
+    EXPECT_TRUE(Contains(store.Error(), "/postgres: refused")) << store.Error();
+    EXPECT_EQ(sql.Integer("select count(*) from sample"), 0);
+    sql.Run({"drop trigger refuse on sample"});
+    EXPECT_TRUE(store.Append(batch)) << store.Error();
+    EXPECT_EQ(sql.Integer("select count(*) from sample"), 1000);
+}
+
+TEST(PostgresFault, PackingThatFailsInItsMiddleLosesNothing)
+{
+    const std::string text = FreshDatabase(1);
+    PostgresLoggerStore store(text);
+    Sql sql(text);
+    const int series = store.OpenSeries(u"M.U", 1);
+    std::vector<LoggerAppend> batch;
+    Expected expected;
+    for (int i = 0; i < 1000; ++i) {
+        batch.push_back({series, kStart + i * 60 * kSecond, static_cast<double>(i)});
+        expected[batch.back().time] = batch.back().value;
+    }
+    ASSERT_TRUE(store.Append(batch)) << store.Error();
+    RefuseInserts(sql, "block", "new.hour = " + std::to_string(kStart / kHour + 5));
+    LoggerStore::Upkeep upkeep = LoggerStore::Upkeep::More;
+    while (upkeep == LoggerStore::Upkeep::More) {
+        upkeep = store.Maintain(kStart + 100 * kHour);
+    }
+    EXPECT_EQ(upkeep, LoggerStore::Upkeep::Failed);
+    EXPECT_TRUE(Contains(store.Error(), "/postgres: refused")) << store.Error();
+    ExpectHolds(store, u"M.U", expected);
+    sql.Run({"drop trigger refuse on block"});
+    Maintain(store, kStart + 100 * kHour);
+    EXPECT_EQ(sql.Integer("select count(*) from sample"), 0);
+    ExpectHolds(store, u"M.U", expected);
 }
 
 // The session of a program that was stopped in the middle of a batch keeps its locks until the server gives it up.

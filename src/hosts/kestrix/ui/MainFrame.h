@@ -2,6 +2,7 @@
 #pragma once
 
 #include "hosts/kestrix/DesktopSettings.h"
+#include "hosts/kestrix/LoggedDataPage.h"
 #include "hosts/kestrix/PlantWatch.h"
 #include "hosts/kestrix/ui/DeviceTreeView.h"
 #include "hosts/kestrix/ui/PageView.h"
@@ -97,6 +98,9 @@ private:
     void LeaveRegistry();
     void ShowRegistry();
     void ShowPage();
+    [[nodiscard]] PageView* NewPage(std::size_t node);
+    [[nodiscard]] LoggedDataPage LoggedData() const;
+    void ShowLoggedData();
     void SetPage(PageView* page);
     void RestorePage();
     void ShowSelection();

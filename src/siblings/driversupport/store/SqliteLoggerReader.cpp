@@ -94,7 +94,7 @@ bool ReadDataSets(SqliteConnection& connection, std::vector<LoggerDataSet>& sets
         }
         if (!read.IsNull(4)) {
             const std::u16string variable = Utf16From8(read.Text(4));
-            sets.back().variables.emplace_back(variable.c_str(), variable.size());
+            sets.back().variables.emplace_back(variable);
         }
     }
     std::sort(sets.begin(), sets.end(),

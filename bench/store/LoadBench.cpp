@@ -18,6 +18,7 @@ namespace {
 
 constexpr int kRounds = 5;
 constexpr int kLoadsARound = 3;
+constexpr std::size_t kSecondsOfDay = 86400;
 constexpr ZRDateTimeSpan kRecorded(0, 0);
 constexpr ZRDateTimeSpan kDay(86400, 0);
 constexpr double kValues = static_cast<double>(DemoYear::kRecords * DemoYear::kVariables);
@@ -40,6 +41,17 @@ void Fill(LoggerStore& store, const DemoYear& year)
     const std::int64_t end = year.times.back() + 2 * 3600 * DemoYear::kMicros;
     while (store.Maintain(end) == LoggerStore::Upkeep::More) {
     }
+}
+
+// Bytes a sample of the whole file.
+double WriteStore(const std::filesystem::path& file, const DemoYear& year)
+{
+    {
+        SqliteLoggerStore store(file);
+        Fill(store, year);
+    }
+    return static_cast<double>(std::filesystem::file_size(file)) /
+           static_cast<double>(year.times.size() * DemoYear::kVariables);
 }
 
 void CheckRecords(RecordIterator record, RecordIterator end, const DemoYear& year)
@@ -101,11 +113,8 @@ void PrintMemory()
 void RunLoadBench(const DemoYear& year, const std::filesystem::path& folder)
 {
     const std::filesystem::path file = folder / "year.zrlog";
-    {
-        SqliteLoggerStore filling(file);
-        Fill(filling, year);
-    }
-    PrintLine("store.bytes_per_sample", static_cast<double>(std::filesystem::file_size(file)) / kValues, "B");
+    PrintLine("store.bytes_per_sample", WriteStore(file, year), "B");
+    PrintLine("store.bytes_per_sample_1s", WriteStore(folder / "day.zrlog", MakeDemoYear(kSecondsOfDay, 1)), "B");
     SqliteLoggerStore store(file);
     RowASample::Write(folder / "sample.db", year);
     RowARecord::Write(folder / "record.db", year);

@@ -32,6 +32,9 @@ constexpr std::size_t kHeaderRoom = 512;
 // Rows after which the length of all can be told.
 constexpr std::size_t kSampleRows = 1000;
 
+// Units of UTF-16 that are converted at a time.
+constexpr std::size_t kPiece = 1024;
+
 // The most bytes of UTF-8 for a unit of UTF-16.
 constexpr std::size_t kMaxBytes = 3;
 
@@ -330,7 +333,18 @@ std::string TableCopy::TextHtml() const
 
 std::string TableCopy::TextPlain() const
 {
-    return Utf8From16(PlainText());
+    std::string out;
+    std::array<char, kMaxBytes * kPiece> room;  // only what was written is read
+    for (View text = PlainText(); !text.empty();) {
+        std::size_t length = std::min(text.size(), kPiece);
+        if (length < text.size() && (text[length - 1] & 0xFC00) == 0xD800) {
+            // Not between the halves of a pair.
+            --length;
+        }
+        out.append(room.data(), PutCell(room.data(), text.substr(0, length)));
+        text.remove_prefix(length);
+    }
+    return out;
 }
 
 std::string EscapedHtml(std::u16string_view text)

@@ -49,11 +49,11 @@ int main()
     for (int i = 0; i <= 100; ++i) {
         const int page = 1 + static_cast<int>(static_cast<std::int64_t>(last - 1) * i / 100);
         slowest =
-            std::max(slowest, zr::bench::OnceMs([&] {
+            std::max(slowest, zr::bench::UndisturbedMs([&] {
                          texts += table.Print(page, {0, 0, kSheet.horzRes, kSheet.vertRes}, u"Jahr 2003").texts.size();
                      }));
     }
-    if (texts < 101 * 50) {
+    if (texts < 3 * 101 * 50) {
         std::fprintf(stderr, "bench_print: texts are missing\n");
         return 1;
     }

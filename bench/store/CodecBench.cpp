@@ -1,7 +1,7 @@
 #include "CodecBench.h"
 
 #include "BenchLine.h"
-#include "MedianMs.h"
+#include "Median.h"
 #include "siblings/driversupport/store/BlockCodec.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "LoadBench.h"
 
 #include "BenchLine.h"
-#include "MedianMs.h"
+#include "Median.h"
 #include "MemoryPeak.h"
 #include "siblings/driversupport/store/SqliteLoggerStore.h"
 #include "siblings/driversupport/ZRLoggerData.h"
@@ -16,8 +16,9 @@ namespace zr::bench {
 
 namespace {
 
-constexpr std::size_t kRounds = 9;
-constexpr std::size_t kPeerRounds = 3;
+constexpr int kRounds = 5;
+constexpr int kLoadsARound = 3;
+constexpr std::size_t kSecondsOfDay = 86400;
 constexpr ZRDateTimeSpan kRecorded(0, 0);
 constexpr ZRDateTimeSpan kDay(86400, 0);
 constexpr double kValues = static_cast<double>(DemoYear::kRecords * DemoYear::kVariables);
@@ -42,6 +43,17 @@ void Fill(LoggerStore& store, const DemoYear& year)
     }
 }
 
+// Bytes a sample of the whole file.
+double WriteStore(const std::filesystem::path& file, const DemoYear& year)
+{
+    {
+        SqliteLoggerStore store(file);
+        Fill(store, year);
+    }
+    return static_cast<double>(std::filesystem::file_size(file)) /
+           static_cast<double>(year.times.size() * DemoYear::kVariables);
+}
+
 void CheckRecords(RecordIterator record, RecordIterator end, const DemoYear& year)
 {
     std::size_t r = 0;
@@ -54,14 +66,9 @@ void CheckRecords(RecordIterator record, RecordIterator end, const DemoYear& yea
     Require(r == year.times.size(), "records are missing");
 }
 
-double PeerMs(RecordArena (*load)(const std::filesystem::path&), const std::filesystem::path& file,
-              const DemoYear& year)
+void CheckPeer(const RecordArena& arena, const DemoYear& year)
 {
-    const double median = MedianMs(
-        kPeerRounds, [&] { Require(load(file).Size() == DemoYear::kRecords, "a peer's records are missing"); });
-    const RecordArena arena = load(file);
     CheckRecords(arena.At(0), arena.At(arena.Size()), year);
-    return median;
 }
 
 class Loader {
@@ -106,11 +113,8 @@ void PrintMemory()
 void RunLoadBench(const DemoYear& year, const std::filesystem::path& folder)
 {
     const std::filesystem::path file = folder / "year.zrlog";
-    {
-        SqliteLoggerStore filling(file);
-        Fill(filling, year);
-    }
-    PrintLine("store.bytes_per_sample", static_cast<double>(std::filesystem::file_size(file)) / kValues, "B");
+    PrintLine("store.bytes_per_sample", WriteStore(file, year), "B");
+    PrintLine("store.bytes_per_sample_1s", WriteStore(folder / "day.zrlog", MakeDemoYear(kSecondsOfDay, 1)), "B");
     SqliteLoggerStore store(file);
     RowASample::Write(folder / "sample.db", year);
     RowARecord::Write(folder / "record.db", year);
@@ -121,19 +125,30 @@ void RunLoadBench(const DemoYear& year, const std::filesystem::path& folder)
         const auto& group = loader.Load(kRecorded, DemoYear::kRecords);
         CheckRecords(group.first, group.last, year);
     }
+    CheckPeer(RowASample::Load(folder / "sample.db"), year);
+    CheckPeer(RowARecord::Load(folder / "record.db"), year);
     PrintMemory();
     Loader loader;
-    const double loading = MedianMs(kRounds, [&] { loader.Load(kRecorded, DemoYear::kRecords); });
-    const double daily = MedianMs(kRounds, [&] { loader.Load(kDay, 365); });
-    loader.Free();
-    const double rowASample = PeerMs(&RowASample::Load, folder / "sample.db", year);
-    const double rowARecord = PeerMs(&RowARecord::Load, folder / "record.db", year);
-    PrintLine("store.load_year_ms", loading, "ms");
-    PrintLine("store.load_year_row_sample_ms", rowASample, "ms");
-    PrintLine("store.load_year_row_record_ms", rowARecord, "ms");
-    PrintLine("store.load_year_ratio_row_sample", rowASample / loading, "x");
-    PrintLine("store.load_year_ratio_row_record", rowARecord / loading, "x");
-    PrintLine("store.year_daily_ms", daily, "ms");
+    // In turn, so that what else the machine does falls on all of them.
+    Median loading;
+    Median daily;
+    Median rowASample;
+    Median rowARecord;
+    for (int round = 0; round < kRounds; ++round) {
+        for (int i = 0; i < kLoadsARound; ++i) {
+            loading.Add([&] { loader.Load(kRecorded, DemoYear::kRecords); });
+            daily.Add([&] { loader.Load(kDay, 365); });
+        }
+        loader.Free();
+        rowASample.Add([&] { RowASample::Load(folder / "sample.db"); });
+        rowARecord.Add([&] { RowARecord::Load(folder / "record.db"); });
+    }
+    PrintLine("store.load_year_ms", loading.Ms(), "ms");
+    PrintLine("store.load_year_row_sample_ms", rowASample.Ms(), "ms");
+    PrintLine("store.load_year_row_record_ms", rowARecord.Ms(), "ms");
+    PrintLine("store.load_year_ratio_row_sample", rowASample.Ms() / loading.Ms(), "x");
+    PrintLine("store.load_year_ratio_row_record", rowARecord.Ms() / loading.Ms(), "x");
+    PrintLine("store.year_daily_ms", daily.Ms(), "ms");
     SetLoggerStore(nullptr);
 }
 

@@ -2,6 +2,7 @@
 #include "CodecBench.h"
 #include "DemoYear.h"
 #include "LoadBench.h"
+#include "RecordBench.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -36,6 +37,7 @@ int main()
     const TempFolder folder;
     const zr::bench::DemoYear year = zr::bench::MakeDemoYear();
     zr::bench::RunCodecBench(year);
+    zr::bench::RunRecordBench(year, folder.path);
     zr::bench::RunLoadBench(year, folder.path);
     return 0;
 }

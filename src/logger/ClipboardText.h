@@ -1,10 +1,13 @@
 // Text on its way to the clipboard: room that grows as it is written, and how far it may grow.
 #pragma once
 
+#include "platform/LargeMemory.h"
+
+#include <algorithm>
 #include <cstddef>
-#include <cstdlib>
-#include <cstring>
 #include <functional>
+#include <new>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -45,24 +48,11 @@ private:
     std::size_t m_capacity = kStart;
 };
 
-// Characters one after the other in one piece, enlarged in place where the machine can do that. Never throws: without
-// memory a reservation fails and what was written stays.
+// Characters one after the other in one piece. Never throws: without memory a reservation fails and what was written
+// stays.
 template <typename Char>
 class TextBlock {
 public:
-    TextBlock() = default;
-    TextBlock(const TextBlock&) = delete;
-    TextBlock& operator=(const TextBlock&) = delete;
-    TextBlock(TextBlock&& other) noexcept { *this = std::move(other); }
-    TextBlock& operator=(TextBlock&& other) noexcept
-    {
-        std::swap(m_first, other.m_first);
-        std::swap(m_size, other.m_size);
-        std::swap(m_room, other.m_room);
-        return *this;
-    }
-    ~TextBlock() { std::free(m_first); }
-
     // Room for so many more characters. False without memory.
     bool Reserve(std::size_t characters)
     {
@@ -72,9 +62,14 @@ public:
         const std::size_t needed = m_size + characters;
         return Enlarge(needed + needed / 2) || Enlarge(needed);
     }
+    // Likewise, and no more than that: for whoever knows how many there will be.
+    bool ReserveExactly(std::size_t characters)
+    {
+        return m_room - m_size >= characters || Enlarge(m_size + characters);
+    }
     // Where the next character goes, and how far it was written; both within what was reserved.
-    [[nodiscard]] Char* End() { return m_first + m_size; }
-    void SetEnd(const Char* end) { m_size = static_cast<std::size_t>(end - m_first); }
+    [[nodiscard]] Char* End() { return Data() + m_size; }
+    void SetEnd(const Char* end) { m_size = static_cast<std::size_t>(end - Data()); }
     // Takes off what was written behind.
     void Truncate(std::size_t size) { m_size = size; }
 
@@ -84,28 +79,34 @@ public:
         if (!Reserve(text.size())) {
             return false;
         }
-        std::memcpy(End(), text.data(), text.size() * sizeof(Char));
+        std::copy(text.begin(), text.end(), End());
         m_size += text.size();
         return true;
     }
 
     [[nodiscard]] std::size_t Size() const { return m_size; }
+    // Null before the first reservation.
     [[nodiscard]] Char* Data() { return m_first; }
     [[nodiscard]] const Char* Data() const { return m_first; }
 
 private:
     bool Enlarge(std::size_t room)
     {
-        void* const block = std::realloc(m_first, room * sizeof(Char));
-        if (block == nullptr) {
+        try {
+            LargeMemory memory(room * sizeof(Char));
+            auto* const first = reinterpret_cast<Char*>(memory.Data());
+            std::copy(m_first, m_first + m_size, first);
+            m_memory.emplace(std::move(memory));
+            m_first = first;
+            m_room = room;
+            return true;
+        } catch (const std::bad_alloc&) {
             return false;
         }
-        m_first = static_cast<Char*>(block);
-        m_room = room;
-        return true;
     }
 
-    Char* m_first = nullptr;  // Owned.
+    std::optional<LargeMemory> m_memory;
+    Char* m_first = nullptr;
     std::size_t m_size = 0;
     std::size_t m_room = 0;
 };

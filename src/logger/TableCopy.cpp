@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 
 namespace zr::logger {
 
@@ -27,26 +29,69 @@ constexpr std::size_t kTailBeforeFragment = 10;
 // Room for the header in front of the rows.
 constexpr std::size_t kHeaderRoom = 512;
 
+// Rows after which the length of all can be told.
+constexpr std::size_t kSampleRows = 1000;
+
+// Units of UTF-16 that are converted at a time.
+constexpr std::size_t kPiece = 1024;
+
 // The most bytes of UTF-8 for a unit of UTF-16.
 constexpr std::size_t kMaxBytes = 3;
 
-char* Put(char* at, std::string_view text)
+// A text that the compiler knows, without its zero.
+template <typename Char, std::size_t Size>
+Char* Put(Char* at, const Char (&text)[Size])
 {
-    std::memcpy(at, text.data(), text.size());
+    std::memcpy(at, text, (Size - 1) * sizeof(Char));
+    return at + Size - 1;
+}
+
+template <typename Char>
+Char* Put(Char* at, std::basic_string_view<Char> text)
+{
+    return std::copy(text.begin(), text.end(), at);
+}
+
+constexpr std::size_t kGroup = 4;  // units of UTF-16 that a word holds
+
+std::uint64_t GroupAt(const wchar* at)
+{
+    std::uint64_t group = 0;
+    std::memcpy(&group, at, sizeof group);
+    return group;
+}
+
+// The texts of cells are short: they are copied in groups, the last of which overlaps the one before.
+wchar* PutCell(wchar* at, View text)
+{
+    if (text.size() < kGroup) {
+        return Put(at, text);
+    }
+    const std::size_t last = text.size() - kGroup;
+    for (std::size_t i = 0; i < last; i += kGroup) {
+        std::memcpy(at + i, text.data() + i, kGroup * sizeof(wchar));
+    }
+    std::memcpy(at + last, text.data() + last, kGroup * sizeof(wchar));
     return at + text.size();
 }
 
-wchar* Put(wchar* at, View text)
+// Likewise to UTF-8: groups of ASCII at once, as they nearly all are.
+char* PutCell(char* at, View text)
 {
-    std::memcpy(at, text.data(), text.size() * sizeof(wchar));
-    return at + text.size();
-}
-
-char* PutUtf8(char* at, View text)
-{
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    std::size_t i = 0;
+    for (; i + kGroup <= text.size(); i += kGroup) {
+        const std::uint64_t group = GroupAt(text.data() + i);
+        if ((group & 0xFF80FF80FF80FF80U) != 0) {
+            break;
+        }
+        for (std::size_t k = 0; k < kGroup; ++k) {
+            at[k] = static_cast<char>(text[i + k]);
+        }
+        at += kGroup;
+    }
+    for (; i < text.size(); ++i) {
         if (text[i] >= 0x80) {
-            return Put(at, Utf8From16(text.substr(i)));
+            return Put(at, std::string_view(Utf8From16(text.substr(i))));
         }
         *at++ = static_cast<char>(text[i]);
     }
@@ -104,36 +149,42 @@ public:
     [[nodiscard]] std::size_t Characters() const { return m_characters; }
 
     // A cell between what stands before and behind it, which is ASCII.
-    void Write(std::basic_string_view<Char> before, View text, std::basic_string_view<Char> behind)
+    template <std::size_t Before, std::size_t Behind>
+    void Write(const Char (&before)[Before], View text, const Char (&behind)[Behind])
     {
+        constexpr std::size_t kAround = Before - 1 + Behind - 1;
         if (!m_isOpen) {
             return;
         }
-        if (!m_block.Reserve(before.size() + kMaxBytes * text.size() + behind.size())) {
+        if (!m_block.Reserve(kAround + kMaxBytes * text.size())) {
             m_block.Truncate(m_rowFirst);
             m_isOpen = false;
             return;
         }
-        Char* at = Put(m_block.End(), before);
-        if constexpr (sizeof(Char) == 1) {
-            at = PutUtf8(at, text);
-        } else {
-            at = Put(at, text);
-        }
-        m_block.SetEnd(Put(at, behind));
-        m_rowCharacters += before.size() + text.size() + behind.size();
+        m_block.SetEnd(Put(PutCell(Put(m_block.End(), before), text), behind));
+        m_rowCharacters += kAround + text.size();
     }
 
-    void EndTitles(std::basic_string_view<Char> end)
+    template <std::size_t Size>
+    void EndTitles(const Char (&end)[Size])
     {
-        Write(end, View(), {});
+        Write(end, View(), kNothing);
         TakeRow();
     }
 
-    void EndRow(std::basic_string_view<Char> end)
+    template <std::size_t Size>
+    void EndRow(const Char (&end)[Size])
     {
         EndTitles(end);
         m_isOpen = m_isOpen && m_room.AfterRow(m_characters);
+    }
+
+    // Room for so many more rows that are like those there are, so that what is there isn't moved any more.
+    void Expect(std::size_t rowsSoFar, std::size_t rowsToCome)
+    {
+        const std::size_t written = m_block.Size() - m_rowsFirst;
+        // And a quarter more, since rows may grow longer; what is never touched costs no memory.
+        m_block.ReserveExactly(written / rowsSoFar * rowsToCome / 4 * 5);
     }
 
 private:
@@ -146,11 +197,14 @@ private:
         m_rowCharacters = 0;
     }
 
+    static constexpr Char kNothing[1] = {};
+
     TextBlock<Char>& m_block;
     CopyRoom m_room;
     std::size_t m_characters = 0;
     std::size_t m_rowCharacters = 0;  // of the row at hand
     std::size_t m_rowFirst = m_block.Size();
+    std::size_t m_rowsFirst = m_block.Size();
     bool m_isOpen = true;
 };
 
@@ -159,10 +213,10 @@ using PlainRows = RowText<wchar>;
 
 void WriteTitles(const std::vector<ZRBasicString>& titles, HtmlRows& html, PlainRows& plain)
 {
-    html.Write("<TR>", View(), {});
+    html.Write("<TR>", View(), "");
     for (const ZRBasicString& title : titles) {
         html.Write("<TD><B>", title, "</B></TD>");
-        plain.Write({}, title, u"\t");
+        plain.Write(u"", title, u"\t");
     }
     html.EndTitles("</TR>\r\n");
     plain.EndTitles(u"\r\n");
@@ -174,11 +228,11 @@ void WriteRow(const LoggedRecord& record, const TableCopySource& source, ZRBasic
 {
     FormatTableViewerTime(text, record.time, source.groupBy);
     html.Write("<TR><TD>", text, "</TD>");
-    plain.Write({}, text, {});
+    plain.Write(u"", text, u"");
     for (const ValueColumn& column : source.values) {
         const bool hasValue = column.Text(record, text);
         html.Write("<TD>", text, "</TD>");
-        plain.Write(u"\t", hasValue ? text.Text() : View(u" "), {});
+        plain.Write(u"\t", hasValue ? text.Text() : View(u" "), u"");
     }
     html.EndRow("</TR>\r\n");
     plain.EndRow(u"\r\n");
@@ -210,6 +264,8 @@ TableCopy::TableCopy(const TableCopySource& source, const CopyRoom::Grant& limit
     m_rowsFirst = m_html.Size();
     RecordCursor cursor;
     cursor.Reset(source.group);
+    const std::size_t rows = static_cast<std::size_t>(source.rows.CountOf(cursor.Count()));
+    std::size_t written = 0;
     ZRBasicString text;
     for (int row = source.rows.NextFrom(0, cursor.Count()); row >= 0 && (html.IsOpen() || plain.IsOpen());
          row = source.rows.NextFrom(row + 1, cursor.Count())) {
@@ -218,6 +274,10 @@ TableCopy::TableCopy(const TableCopySource& source, const CopyRoom::Grant& limit
             AppendEscapedRow(record, source, text, m_escapedRows);
         }
         WriteRow(record, source, text, html, plain);
+        if (++written == kSampleRows) {
+            html.Expect(written, rows - written);
+            plain.Expect(written, rows - written);
+        }
     }
     m_rowsLast = m_html.Size();
     WrapHtml(html.Characters());
@@ -239,7 +299,7 @@ void TableCopy::WrapHtml(std::size_t characters)
         return;
     }
     m_html.Truncate(m_html.Size() - 1);
-    Put(m_html.Data() + m_htmlFirst, header);
+    Put(m_html.Data() + m_htmlFirst, std::string_view(header));
 }
 
 std::string_view TableCopy::HtmlFormat() const
@@ -273,7 +333,18 @@ std::string TableCopy::TextHtml() const
 
 std::string TableCopy::TextPlain() const
 {
-    return Utf8From16(PlainText());
+    std::string out;
+    std::array<char, kMaxBytes * kPiece> room;  // only what was written is read
+    for (View text = PlainText(); !text.empty();) {
+        std::size_t length = std::min(text.size(), kPiece);
+        if (length < text.size() && (text[length - 1] & 0xFC00) == 0xD800) {
+            // Not between the halves of a pair.
+            --length;
+        }
+        out.append(room.data(), PutCell(room.data(), text.substr(0, length)));
+        text.remove_prefix(length);
+    }
+    return out;
 }
 
 std::string EscapedHtml(std::u16string_view text)

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -18,8 +19,31 @@ bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::st
 // then as before, the temporary one is gone and reason says why. Blocks on the disk.
 bool WriteFileReplacing(const std::filesystem::path& path, std::string_view bytes, std::string& reason);
 
+// The same for a file that is written piece by piece. What isn't committed by the end of its life leaves no trace. One
+// thread.
+class ReplacingFile {
+public:
+    ReplacingFile();
+    ~ReplacingFile();
+    ReplacingFile(const ReplacingFile&) = delete;
+    ReplacingFile& operator=(const ReplacingFile&) = delete;
+
+    // Each false on failure: the old file is then as before, the temporary one is gone and reason says why.
+    bool Open(const std::filesystem::path& path, std::string& reason);
+    bool Write(std::string_view bytes, std::string& reason);
+    bool Commit(std::string& reason);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;  // null: not open
+};
+
 // Makes a folder with the ones above it, each new one with mode 0700. False when one can't be made; reason says why.
 bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason);
+
+// Whether users other than the owner may read a file, by its permissions; false when it isn't there, and on Windows,
+// where a user's folders keep others out.
+bool CanOthersRead(const std::filesystem::path& path);
 
 // Makes what was renamed or made in a folder safe from a power cut. False when the system can't; reason says why.
 bool FlushFolder(const std::filesystem::path& folder, std::string& reason);

@@ -135,6 +135,7 @@ bool ProfileReader::ReadVariable(const XmlNode& xml)
     ReadPlace(node, layout);
     ReadWrite(node, layout);
     variable.output = layout.write.has_value();
+    variable.isText = layout.type == DataType::Text;
     ReadScale(node, layout, variable);
     variable.variableClass = ReadClass(node, TakesNumbers(layout.type));
     variable.splittable = node.Flag("splittable", false);

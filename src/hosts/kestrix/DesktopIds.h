@@ -151,6 +151,38 @@ inline constexpr unsigned kTextLoggedExported = 40215;
 inline constexpr unsigned kTextLoggedOffset = 40216;
 inline constexpr unsigned kTextLoggedNothingPrinted = 40217;
 inline constexpr unsigned kTextLoggedNone = 40218;
+inline constexpr unsigned kTextTipLoggedData = 40219;
+
+// The page of logged data.
+inline constexpr unsigned kTextLoggedData = 40320;
+inline constexpr unsigned kTextLoggedRecording = 40321;
+inline constexpr unsigned kTextLoggedStarting = 40322;
+inline constexpr unsigned kTextLoggedNothing = 40323;
+inline constexpr unsigned kTextLoggedByOther = 40324;
+inline constexpr unsigned kTextLoggedStoreAway = 40325;
+inline constexpr unsigned kTextLoggedResending = 40326;
+inline constexpr unsigned kTextLoggedNoRoom = 40327;
+inline constexpr unsigned kTextLoggedStore = 40328;
+inline constexpr unsigned kTextLoggedDataSets = 40329;
+inline constexpr unsigned kTextLoggedDataSet = 40330;
+inline constexpr unsigned kTextLoggedPeriod = 40331;
+inline constexpr unsigned kTextLoggedKept = 40332;
+inline constexpr unsigned kTextLoggedVariables = 40333;
+inline constexpr unsigned kTextLoggedRecorded = 40334;
+inline constexpr unsigned kTextLoggedNotRecorded = 40335;
+inline constexpr unsigned kTextLoggedLast = 40336;
+inline constexpr unsigned kTextLoggedWaiting = 40337;
+inline constexpr unsigned kTextLoggedOnDisk = 40338;
+inline constexpr unsigned kTextLoggedSamples = 40339;
+inline constexpr unsigned kTextLoggedOf = 40340;
+inline constexpr unsigned kTextLoggedForEver = 40341;
+inline constexpr unsigned kTextLoggedNoFile = 40342;
+inline constexpr unsigned kTextLoggedSeconds = 40343;
+inline constexpr unsigned kTextLoggedMinutes = 40344;
+inline constexpr unsigned kTextLoggedHours = 40345;
+inline constexpr unsigned kTextLoggedDays = 40346;
+inline constexpr unsigned kTextLoggedReasons = 40347;
+inline constexpr unsigned kTextLoggedYet = 40348;
 
 // Help.
 inline constexpr unsigned kTextTitleAbout = 40160;

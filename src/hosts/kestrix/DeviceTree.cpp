@@ -7,6 +7,7 @@
 namespace zr::desktop {
 namespace {
 
+constexpr const wchar* kLoggedDataPath = u"\nlogged";  // of no device: the group above would have no name
 constexpr wchar kPathSeparator = u'\n';  // stands in no name that a document can hold in one line of a tree
 
 void CollectDevices(const DeviceTree& tree, std::size_t index, std::set<ZRBasicString>& seen,
@@ -95,6 +96,9 @@ std::optional<std::size_t> DeviceTree::FindDevice(const ZRBasicString& name) con
 
 ZRBasicString DeviceTree::PathOf(std::size_t index) const
 {
+    if (m_nodes[index].kind == Kind::LoggedData) {
+        return {kLoggedDataPath};
+    }
     ZRBasicString path = m_nodes[index].text;
     for (std::size_t up = m_nodes[index].parent; up != kNone; up = m_nodes[up].parent) {
         path = m_nodes[up].text + kPathSeparator + path;

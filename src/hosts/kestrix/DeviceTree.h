@@ -17,10 +17,11 @@ public:
         Group,
         OtherDevices,  // holds the devices that no group lists
         Device,
+        LoggedData,  // what is recorded of all devices; once, at the end
     };
     struct Node {
         Kind kind = Kind::Group;
-        ZRBasicString text;                 // of a group its Id, of a device its name; empty for OtherDevices
+        ZRBasicString text;                 // of a group its Id, of a device its name; empty for the others
         XmlNode* xml = nullptr;             // of a group: its node in the document. Not owned.
         std::size_t parent = 0;             // kNone at the top
         std::vector<std::size_t> children;  // groups before devices, each in the order of the document
@@ -31,6 +32,9 @@ public:
     // such device is left out. A device may stand in several groups.
     DeviceTree() = default;
     DeviceTree(XmlNode* groups, const std::vector<ZRBasicString>& devices);
+
+    // At the end of the top.
+    void AddLoggedData() { Add({Kind::LoggedData, {}, nullptr, kNone, {}}); }
 
     [[nodiscard]] std::size_t Size() const { return m_nodes.size(); }
     // Zero-based; no range test.

@@ -14,6 +14,12 @@ constexpr int kNameColumns = 14;
 constexpr int kTypeColumns = 6;
 constexpr int kRowsOfMessages = 4;
 
+// Whole characters of UTF-8.
+std::string CutTo(const std::string& text, std::size_t columns)
+{
+    return Utf16ToUtf8(ZRBasicString(Utf8ToUtf16(text).Text().substr(0, columns)));
+}
+
 // Cut to a number of code points, padded with blanks.
 std::string Fit(const ZRBasicString& text, int columns)
 {
@@ -65,14 +71,19 @@ std::string LiveTable::RenderRow(const Row& row, int columns)
     return line;
 }
 
-std::string LiveTable::Render(int columns, int rows, const supervision::Summary& summary,
+std::string LiveTable::Render(int columns, int rows, const supervision::Summary& summary, const std::string& recording,
                               const std::deque<std::string>& messages) const
 {
-    std::string head =
+    const std::string head =
         fmt::format("{} of {} devices on line, {} of {} values valid, {} requests, {} time-outs", summary.online,
                     summary.devices, summary.valid, summary.variables, summary.transactions, summary.timeouts);
-    std::string text = head.substr(0, static_cast<std::size_t>(std::max(columns, 0))) + "\n";
-    int room = rows - 2 - std::min<int>(kRowsOfMessages, static_cast<int>(messages.size()));
+    const auto width = static_cast<std::size_t>(std::max(columns, 0));
+    std::string text = head.substr(0, width) + "\n";
+    if (!recording.empty()) {
+        text += CutTo(recording, width) + "\n";
+    }
+    int room =
+        rows - 2 - (recording.empty() ? 0 : 1) - std::min<int>(kRowsOfMessages, static_cast<int>(messages.size()));
     std::size_t shown = 0;
     for (const Row& row : m_rows) {
         if (room-- <= 0) {
@@ -86,7 +97,7 @@ std::string LiveTable::Render(int columns, int rows, const supervision::Summary&
     }
     const std::size_t first = messages.size() > kRowsOfMessages ? messages.size() - kRowsOfMessages : 0;
     for (std::size_t i = first; i < messages.size(); ++i) {
-        text += messages[i].substr(0, static_cast<std::size_t>(std::max(columns, 0))) + '\n';
+        text += CutTo(messages[i], width) + '\n';
     }
     return text;
 }

@@ -17,10 +17,11 @@ class LiveTable {
 public:
     LiveTable();
 
-    // Lines of at most that many columns and rows, first the figures, then a line a device with as many values as there
-    // is room for, then the latest messages. Every line ends with a line feed.
+    // Lines of at most that many columns and rows, first the figures and what is recorded, then a line a device with as
+    // many values as there is room for, then the latest messages. Every line ends with a line feed. recording: empty
+    // for no line.
     [[nodiscard]] std::string Render(int columns, int rows, const supervision::Summary& summary,
-                                     const std::deque<std::string>& messages) const;
+                                     const std::string& recording, const std::deque<std::string>& messages) const;
 
 private:
     struct Row {

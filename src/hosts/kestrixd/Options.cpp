@@ -1,5 +1,6 @@
 #include "hosts/kestrixd/Options.h"
 
+#include "hosts/kestrixd/Commands.h"
 #include "hosts/supervision/SupervisionArguments.h"
 
 #include <CLI/CLI.hpp>
@@ -20,7 +21,9 @@ ParsedOptions ParseOptions(int argc, char** argv)
                             ->check(CLI::Range(1L, 1000000000L));
     app.add_flag("--json", options.json, "print the figures of the run as one line of JSON at the end");
     app.footer(
-        "Exit status: 0 ended as asked, 2 bad input or command line, 3 another process supervises the document.");
+        std::string("Exit status: 0 ended as asked, 2 bad input or command line, 3 another process supervises the "
+                    "document.\n\n") +
+        CommandsHelp());
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,5 +1,6 @@
 #include "hosts/kestrixd/Service.h"
 
+#include "hosts/supervision/RecordingText.h"
 #include "platform/Clock.h"
 #include "platform/FileReplace.h"
 #include "platform/Terminal.h"
@@ -136,7 +137,8 @@ void Service::Log(const std::string& text)
 void Service::ShowTable()
 {
     const TerminalSize size = SizeOfTerminal();
-    std::string text = m_table->Render(size.columns, size.rows, m_supervisor.Figures(), m_messages);
+    std::string text = m_table->Render(size.columns, size.rows, m_supervisor.Figures(),
+                                       supervision::RecordingLine(m_supervisor.Recording().Status()), m_messages);
     std::string screen = kHome;
     for (const char character : text) {
         // What a line leaves of the one before it is wiped.
@@ -146,15 +148,17 @@ void Service::ShowTable()
     std::fflush(stdout);
 }
 
-// The figures are taken while the values are still live.
+// The figures are taken while the values are still live, and when all samples are where they stay.
 int Service::Finish()
 {
+    m_supervisor.EndRecording();
     m_supervisor.TakeNotices();
     const supervision::Summary summary = m_supervisor.Figures();
     if (m_options.json) {
         fmt::print("{}\n", summary.Json());
     } else {
-        fmt::print("{}", m_table->Render(120, 200, summary, {}));
+        fmt::print("{}", m_table->Render(120, 200, summary,
+                                         supervision::RecordingLine(m_supervisor.Recording().Status()), {}));
     }
     std::fflush(stdout);
     return kEndedAsAsked;

@@ -1,4 +1,5 @@
-// kestrixd: supervises the devices of a configuration document, with no window.
+// kestrixd: supervises the devices of a configuration document, with no window; and brings logged data in and out.
+#include "hosts/kestrixd/Commands.h"
 #include "hosts/kestrixd/Options.h"
 #include "hosts/kestrixd/Service.h"
 #include "platform/CommandLine.h"
@@ -10,6 +11,9 @@ int main(int argc, char** argv)
 {
     try {
         zr::CommandLine line(argc, argv);
+        if (const std::optional<int> status = zr::service::RunCommand(line.Count(), line.Values())) {
+            return *status;
+        }
         const zr::service::ParsedOptions parsed = zr::service::ParseOptions(line.Count(), line.Values());
         if (!parsed.options) {
             return parsed.exitStatus;

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 #include <algorithm>
+#include <array>
 
 namespace zr::supervision {
 namespace {
@@ -23,6 +24,19 @@ void CountDevice(Summary& summary, const ZRDeviceDriver& driver)
     }
 }
 
+// In the order of UnrecordedReason.
+constexpr std::array<const char*, kUnrecordedReasons> kReasonKeys = {"invalid",        "missing", "late",
+                                                                     "clock_set_back", "no_room", "damaged"};
+
+std::string UnrecordedJson(const RecorderCounts& counts)
+{
+    std::string json;
+    for (std::size_t i = 0; i < kReasonKeys.size(); ++i) {
+        json += fmt::format(R"({}"{}":{})", i == 0 ? "" : ",", kReasonKeys[i], counts.unrecorded[i]);
+    }
+    return '{' + json + '}';
+}
+
 }  // namespace
 
 std::string Summary::Json() const
@@ -30,9 +44,9 @@ std::string Summary::Json() const
     return fmt::format(
         R"({{"devices":{},"online":{},"variables":{},"valid":{},"ticks":{},"transactions":{},)"
         R"("timeouts":{},"dropped_frames":{},"warnings":{},"dde_conversations":{},"dde_links":{},"dde_posts":{},)"
-        R"("dde_merged":{}}})",
+        R"("dde_merged":{},"recorded":{},"spooled":{},"unrecorded":{}}})",
         devices, online, variables, valid, ticks, transactions, timeouts, droppedFrames, warnings, ddeConversations,
-        ddeLinks, ddePosts, ddeMerged);
+        ddeLinks, ddePosts, ddeMerged, recording.recorded, recording.spooled, UnrecordedJson(recording));
 }
 
 Summary Summarise()

@@ -1,6 +1,8 @@
 // The figures of a run.
 #pragma once
 
+#include "siblings/driversupport/recorder/RecorderFigures.h"
+
 #include <cstdint>
 #include <string>
 
@@ -21,6 +23,8 @@ struct Summary {
     std::uint64_t ddeLinks = 0;          // open with clients
     std::uint64_t ddePosts = 0;          // changes published
     std::uint64_t ddeMerged = 0;         // updates that a newer one replaced before a slow client took them
+
+    RecorderCounts recording;  // samples
 
     // One line of JSON without a line end, keys in the order above.
     [[nodiscard]] std::string Json() const;

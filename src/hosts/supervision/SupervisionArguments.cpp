@@ -32,7 +32,8 @@ SupervisionArguments::SupervisionArguments(CLI::App& app) : m_updatePeriod(dde::
     m_options.serviceName = Utf16ToUtf8(dde::kDefaultService);
     app.allow_windows_style_options(false);  // one command line on every system, and paths that begin with a slash
     app.add_option("CONFIG", m_document, "the configuration document (XML)")->required();
-    app.add_option("--data", m_dataFolder, "folder of the filter files (default: the user's data folder)");
+    app.add_option("--data", m_dataFolder,
+                   "folder of the filter files and of logged data (default: the user's data folder)");
     app.add_option("--port", m_ports, "device file of serial port N; may be given several times")
         ->type_name("N=DEVICE")
         ->allow_extra_args(false);
@@ -41,6 +42,11 @@ SupervisionArguments::SupervisionArguments(CLI::App& app) : m_updatePeriod(dde::
     app.add_option("--update", m_updatePeriod, "milliseconds between two looks for changed values")
         ->capture_default_str()
         ->check(CLI::Range(10L, 60000L));
+    CLI::Option* const recording =
+        app.add_option("--recording", m_recording,
+                       "what is recorded (XML; default: CONFIG with .recording.xml in place of .xml, if there is one)")
+            ->type_name("FILE");
+    app.add_flag("--no-recording", m_options.recordsNothing, "record nothing")->excludes(recording);
     app.add_flag("--no-publication", m_publishesNothing, "publish nothing");
 }
 
@@ -49,6 +55,7 @@ std::string SupervisionArguments::Take(SupervisionOptions& options) const
     options = m_options;
     options.document = PathFromText(m_document);
     options.dataFolder = PathFromText(m_dataFolder);
+    options.recording = PathFromText(m_recording);
     options.updatePeriod = std::chrono::milliseconds(m_updatePeriod);
     if (m_publishesNothing) {
         options.serviceName.clear();

@@ -26,6 +26,7 @@ private:
     SupervisionOptions m_options;
     std::string m_document;    // UTF-8, as the arguments are
     std::string m_dataFolder;  // likewise
+    std::string m_recording;   // likewise
     std::vector<std::string> m_ports;
     long m_updatePeriod;  // ms
     bool m_publishesNothing = false;

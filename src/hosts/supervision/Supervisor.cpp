@@ -55,6 +55,7 @@ Supervisor::Supervisor(SupervisionOptions options, std::string program, Host& ho
       m_program(std::move(program)),
       m_host(host),
       m_lock(std::make_unique<ProcessLock>()),
+      m_recording(m_options),
       m_publication(m_options.serviceName, m_options.updatePeriod)
 {
 }
@@ -62,6 +63,8 @@ Supervisor::Supervisor(SupervisionOptions options, std::string program, Host& ho
 Supervisor::~Supervisor()
 {
     m_publication.End();
+    m_recording.End();
+    m_recording.RegistryGoes();
     m_system.Reset();
     ZRDeviceDriver::ClearFactories();
     SetLanguage(nullptr);
@@ -129,6 +132,10 @@ Supervisor::Taking Supervisor::TakeDocument()
         return Taking::BadInput;
     }
     m_savedText = m_document.SaveText();
+    if (std::string problem; !LoadRecording(m_options.document, problem)) {
+        m_host.Complain(problem);
+        return Taking::BadInput;
+    }
     return TakeLock(m_options.document);
 }
 
@@ -181,6 +188,7 @@ void Supervisor::LoadRegistry()
     } else {
         m_system.LoadCfg(*commSystem);
     }
+    m_recording.RegistryCame(m_isOurs);
     m_host.RegistryCame();
 }
 
@@ -190,6 +198,7 @@ void Supervisor::Start()
         return;
     }
     m_system.Start();
+    m_recording.Begin();
     BeginPublication();
 }
 
@@ -233,7 +242,9 @@ bool Supervisor::TakeOver(const std::filesystem::path& document)
     m_system.Stop();
     AddCounts(m_before, Summarise());
     m_host.RegistryGoes();
+    m_recording.RegistryGoes();
     m_system.Reset();
+    LoadRecordingAgain(document);
     m_options.document = document;
     static_cast<XmlDocument&>(m_document) = fresh;
     m_savedText = m_document.SaveText();
@@ -243,6 +254,35 @@ bool Supervisor::TakeOver(const std::filesystem::path& document)
     Start();
     Report({DeviceWarning::ConfigurationLoaded, Utf8ToUtf16(TextOfPath(document)), {}, {}}, 0);
     return true;
+}
+
+bool Supervisor::LoadRecording(const std::filesystem::path& document, std::string& problem)
+{
+    if (!m_recording.Load(document, problem)) {
+        return false;
+    }
+    if (const std::string remark = m_recording.Remark(); !remark.empty()) {
+        m_host.Log(remark);
+    }
+    return true;
+}
+
+// A file that is refused keeps the recording of the same document as it is.
+void Supervisor::LoadRecordingAgain(const std::filesystem::path& document)
+{
+    std::string problem;
+    if (LoadRecording(document, problem)) {
+        return;
+    }
+    const bool isSame = document == m_options.document;
+    if (!isSame) {
+        m_recording.Forget(document);
+    }
+    const ZRBasicString reason = Utf8ToUtf16(problem);
+    Report({DeviceWarning::ConfigurationRefused, Utf8ToUtf16(TextOfPath(m_recording.FileOf(document))), reason,
+            ZRBasicString(u"(") + reason + u")"},
+           0);
+    m_host.Log(isSame ? "the recording file was not taken; recording goes on as before" : "nothing is recorded");
 }
 
 bool Supervisor::IsModified() const
@@ -265,6 +305,9 @@ void Supervisor::TakeNotices()
     for (const DeviceNotice& notice : zr::TakeNotices()) {
         Report(notice, 0);
     }
+    for (const DeviceNotice& notice : m_recording.Tick()) {
+        Report(notice, 0);
+    }
     if (m_warnings.Size() > kWarningsKept) {
         m_before.warnings = Figures().warnings;
         m_warnings.Invalidate();
@@ -276,8 +319,10 @@ void Supervisor::Report(const DeviceNotice& notice, std::size_t line)
     m_warnings.AddWarning(static_cast<int>(notice.type), notice.name, notice.info, notice.detail);
     const int index = m_warnings.Size() - 1;
     const char* kind = m_warnings.IsEvent(index) ? "event" : "warning";
+    // A message without a text of its own begins with a blank.
     const std::string place = line != 0 ? fmt::format("{}:{}: ", TextOfPath(m_options.document), line) : "";
-    m_host.Log(fmt::format("{}{}: {}", place, kind, Utf16ToUtf8(m_warnings.WarningStr(index))));
+    const std::string message = Utf16ToUtf8(m_warnings.WarningStr(index));
+    m_host.Log(fmt::format("{}{}: {}", place, kind, message.substr(message.starts_with(' ') ? 1 : 0)));
 }
 
 Summary Supervisor::Figures() const
@@ -290,6 +335,7 @@ Summary Supervisor::Figures() const
     summary.ddeLinks = published.links;
     summary.ddePosts = published.posts;
     summary.ddeMerged = published.merged;
+    summary.recording = m_recording.Figures().total;
     return summary;
 }
 

@@ -5,6 +5,7 @@
 #include "comm/ZRMainCfg.h"
 #include "diagnostics/ZRDebugInfo.h"
 #include "hosts/supervision/Publication.h"
+#include "hosts/supervision/Recording.h"
 #include "hosts/supervision/Summary.h"
 #include "hosts/supervision/SupervisionOptions.h"
 #include "platform/ProcessLock.h"
@@ -60,17 +61,21 @@ public:
     // a complaint: the texts are then as before.
     bool UseLanguage(const std::string& language);
 
-    // Loads the document and takes its lock.
+    // Loads the document and what is recorded of it, and takes its lock.
     Taking TakeDocument();
     // Fills the registry from the document; what is left out of it is reported with its line.
     void LoadRegistry();
     // Whether every filter file that a device names can be used; complains of each that can't.
     bool CheckFilters();
-    // Polls and publishes, if the document is ours.
+    // Polls, records and publishes, if the document is ours.
     void Start();
+    // What was sampled is in the store or in the spool then, and the figures are final. Blocks for as long as a store
+    // takes for one batch.
+    void EndRecording() { m_recording.End(); }
 
-    // Reads the document and the profiles again, and takes the lock if it has come free. What can't be read leaves
-    // everything as it is, with two lines in the log, and false. Blocks until the groups have come to rest.
+    // Reads the document, the profiles and the recording file again, and takes the lock if it has come free. What can't
+    // be read leaves everything as it is, with two lines in the log, and false. Blocks until the groups have come to
+    // rest.
     bool Reload();
     // Goes over to another document; likewise.
     bool Open(const std::filesystem::path& document);
@@ -79,7 +84,7 @@ public:
     // Writes the document. False after a complaint; the old file is then as before.
     bool Save();
 
-    // Enters what the device side has posted since the last time in the warning list.
+    // Enters what the device side and the recorder have posted since the last time in the warning list.
     void TakeNotices();
     // Enters one notice; line: of the document, 0 when it isn't about one.
     void Report(const DeviceNotice& notice, std::size_t line);
@@ -87,6 +92,7 @@ public:
     // The figures since the program started, resets included.
     [[nodiscard]] Summary Figures() const;
     [[nodiscard]] supervision::Publication& Publication() { return m_publication; }
+    [[nodiscard]] const supervision::Recording& Recording() const { return m_recording; }
     [[nodiscard]] ZRMainCfg& Document() { return m_document; }
     [[nodiscard]] const SupervisionOptions& Options() const { return m_options; }
     // False while another process supervises the document.
@@ -103,6 +109,8 @@ private:
     // Takes the lock; BadInput after a complaint, and what was held before is still held.
     Taking TakeLock(const std::filesystem::path& document);
     bool TakeOver(const std::filesystem::path& document);
+    bool LoadRecording(const std::filesystem::path& document, std::string& problem);
+    void LoadRecordingAgain(const std::filesystem::path& document);
 
     SupervisionOptions m_options;
     std::string m_program;
@@ -121,6 +129,7 @@ private:
     ZRMainCfg m_document;
     std::string m_savedText;  // of the document as it lies on disk
     ZRCommSystem m_system;
+    supervision::Recording m_recording;
     supervision::Publication m_publication;
     Summary m_before;  // of the registries that were taken down, and of the warnings that were put away
 };

@@ -74,20 +74,6 @@ std::filesystem::path Resolved(const std::filesystem::path& path)
     return resolved;
 }
 
-bool WriteTemporary(FileDescriptor descriptor, std::string_view bytes, std::string& reason)
-{
-    if (!WriteAll(descriptor.Get(), bytes)) {
-        return Fail(reason, "can't be written");
-    }
-    if (::fsync(descriptor.Get()) != 0) {
-        return Fail(reason, "can't be flushed");
-    }
-    if (!descriptor.Close()) {
-        return Fail(reason, "can't be closed");
-    }
-    return true;
-}
-
 }  // namespace
 
 bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::string& out, std::string& reason)
@@ -116,26 +102,65 @@ bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::st
     return true;
 }
 
-bool WriteFileReplacing(const std::filesystem::path& path, std::string_view bytes, std::string& reason)
+struct ReplacingFile::State {
+    ~State()
+    {
+        if (!temporary.empty()) {
+            ::unlink(temporary.c_str());
+        }
+    }
+
+    std::filesystem::path target;
+    std::filesystem::path folder;
+    std::string temporary;  // empty: there is none
+    FileDescriptor descriptor;
+};
+
+ReplacingFile::ReplacingFile() = default;
+
+ReplacingFile::~ReplacingFile() = default;
+
+bool ReplacingFile::Open(const std::filesystem::path& path, std::string& reason)
 {
-    const std::filesystem::path target = Resolved(path);
-    const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
-    std::string temporary = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
+    m_state = std::make_unique<State>();
+    m_state->target = Resolved(path);
+    m_state->folder = m_state->target.has_parent_path() ? m_state->target.parent_path() : ".";
+    std::string temporary = (m_state->folder / ("." + m_state->target.filename().string() + ".XXXXXX")).string();
     // mkostemp makes it with mode 0600.
-    FileDescriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC));
-    if (!descriptor.IsOpen()) {
-        return Fail(reason, "no temporary file can be made beside it");
-    }
-    if (!WriteTemporary(std::move(descriptor), bytes, reason)) {
-        ::unlink(temporary.c_str());
+    m_state->descriptor = FileDescriptor(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (!m_state->descriptor.IsOpen()) {
+        Fail(reason, "no temporary file can be made beside it");
+        m_state.reset();
         return false;
     }
-    if (::rename(temporary.c_str(), target.c_str()) != 0) {
-        Fail(reason, "can't be replaced");
-        ::unlink(temporary.c_str());
+    m_state->temporary = std::move(temporary);
+    return true;
+}
+
+bool ReplacingFile::Write(std::string_view bytes, std::string& reason)
+{
+    if (!WriteAll(m_state->descriptor.Get(), bytes)) {
+        Fail(reason, "can't be written");
+        m_state.reset();
         return false;
     }
-    return FlushFolder(folder, reason);
+    return true;
+}
+
+bool ReplacingFile::Commit(std::string& reason)
+{
+    const std::unique_ptr<State> state = std::move(m_state);
+    if (::fsync(state->descriptor.Get()) != 0) {
+        return Fail(reason, "can't be flushed");
+    }
+    if (!state->descriptor.Close()) {
+        return Fail(reason, "can't be closed");
+    }
+    if (::rename(state->temporary.c_str(), state->target.c_str()) != 0) {
+        return Fail(reason, "can't be replaced");
+    }
+    state->temporary.clear();
+    return FlushFolder(state->folder, reason);
 }
 
 bool FlushFolder(const std::filesystem::path& folder, std::string& reason)
@@ -166,6 +191,12 @@ bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
         return Fail(reason, ("the folder " + folder.string() + " can't be made").c_str());
     }
     return true;
+}
+
+bool CanOthersRead(const std::filesystem::path& path)
+{
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 && (status.st_mode & (S_IRGRP | S_IROTH)) != 0;
 }
 
 }  // namespace zr

@@ -10,6 +10,11 @@ bool IsTerminal()
     return ::isatty(STDOUT_FILENO) == 1;
 }
 
+bool IsErrorTerminal()
+{
+    return ::isatty(STDERR_FILENO) == 1;
+}
+
 TerminalSize SizeOfTerminal()
 {
     struct winsize size = {};

@@ -24,7 +24,7 @@ bool WriteAll(HANDLE file, std::string_view bytes)
         }
         bytes.remove_prefix(written);
     }
-    return ::FlushFileBuffers(file) != 0;
+    return true;
 }
 
 }  // namespace
@@ -61,27 +61,66 @@ bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::st
     return true;
 }
 
+struct ReplacingFile::State {
+    ~State()
+    {
+        file.Close();
+        if (!temporary.empty()) {
+            ::DeleteFileW(temporary.c_str());
+        }
+    }
+
+    std::filesystem::path target;
+    std::filesystem::path temporary;  // empty: there is none
+    Handle file;
+};
+
+ReplacingFile::ReplacingFile() = default;
+
+ReplacingFile::~ReplacingFile() = default;
+
 // Files in the user's folders are private by the access list that they inherit.
-bool WriteFileReplacing(const std::filesystem::path& path, std::string_view bytes, std::string& reason)
+bool ReplacingFile::Open(const std::filesystem::path& path, std::string& reason)
 {
+    auto state = std::make_unique<State>();
+    state->target = path;
     std::filesystem::path temporary = path;
     temporary +=
         L"." + std::to_wstring(::GetCurrentProcessId()) + L"." + std::to_wstring(::GetCurrentThreadId()) + L".tmp";
-    Handle file(
+    state->file = Handle(
         ::CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file.IsOpen()) {
+    if (!state->file.IsOpen()) {
         return Fail(reason, "no temporary file can be made beside it");
     }
-    const bool isWritten = WriteAll(file.Get(), bytes) || Fail(reason, "can't be written");
-    file.Close();
-    // Write-through stands in for the flush of the folder.
-    const bool isReplaced = isWritten && (::MoveFileExW(temporary.c_str(), path.c_str(),
-                                                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) ||
-                                          Fail(reason, "can't be replaced"));
-    if (!isReplaced) {
-        ::DeleteFileW(temporary.c_str());
+    state->temporary = std::move(temporary);
+    m_state = std::move(state);
+    return true;
+}
+
+bool ReplacingFile::Write(std::string_view bytes, std::string& reason)
+{
+    if (!WriteAll(m_state->file.Get(), bytes)) {
+        Fail(reason, "can't be written");
+        m_state.reset();
+        return false;
     }
-    return isReplaced;
+    return true;
+}
+
+bool ReplacingFile::Commit(std::string& reason)
+{
+    const std::unique_ptr<State> state = std::move(m_state);
+    if (!::FlushFileBuffers(state->file.Get())) {
+        return Fail(reason, "can't be flushed");
+    }
+    state->file.Close();
+    // Write-through stands in for the flush of the folder.
+    if (!::MoveFileExW(state->temporary.c_str(), state->target.c_str(),
+                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+        return Fail(reason, "can't be replaced");
+    }
+    state->temporary.clear();
+    return true;
 }
 
 // Write-through and the journal of the file system stand in for it.
@@ -103,6 +142,11 @@ bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
         return false;
     }
     return true;
+}
+
+bool CanOthersRead(const std::filesystem::path&)
+{
+    return false;
 }
 
 }  // namespace zr

@@ -10,6 +10,12 @@ bool IsTerminal()
     return ::GetConsoleMode(::GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
 }
 
+bool IsErrorTerminal()
+{
+    DWORD mode = 0;
+    return ::GetConsoleMode(::GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}
+
 TerminalSize SizeOfTerminal()
 {
     CONSOLE_SCREEN_BUFFER_INFO info = {};

@@ -9,7 +9,8 @@
 
 namespace zr {
 
-// Values are the `type` of a record of ZRDebugInfo. Bit 8 marks an event; the others are warnings.
+// Values are the `type` of a record of ZRDebugInfo. Bit 8 marks an event; the others are warnings. The list has no text
+// for those marked so: the detail of their notices says it all.
 enum class DeviceWarning : int {
     DeviceSilent = 1,
     DeviceAnswersDamaged = 2,
@@ -41,11 +42,14 @@ enum class DeviceWarning : int {
     PublicationFailed = 28,
     SupervisedElsewhere = 29,
     ConfigurationRefused = 30,
+    StoreDamaged = 31,  // no text of its own
     DeviceAnswersAgain = 257,
     ConnectionOpened = 258,
     ConfigurationLoaded = 260,
     OutputSwitched = 264,
     OutputSwitchedByHost = 272,
+    StoreBack = 276,  // no text of its own
+    SpoolBack = 279,  // no text of its own
 };
 
 struct DeviceNotice {

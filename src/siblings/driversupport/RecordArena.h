@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace zr {
@@ -94,6 +95,8 @@ public:
     RecordChunk Append(std::size_t records);
 
     [[nodiscard]] std::size_t Size() const { return m_size; }
+    // In order.
+    [[nodiscard]] std::span<const RecordChunk> Chunks() const { return m_chunks; }
     // Zero-based; Size() is the end.
     [[nodiscard]] RecordIterator At(std::size_t index) const;
     [[nodiscard]] LoggedRecord& Record(std::size_t index) const { return **At(index); }

@@ -47,6 +47,7 @@ struct VariableDescription {
     std::int32_t unitsDecimals = 0;  // of a value in the displayed unit
     bool splittable = false;         // by a filter and hour type
     bool output = false;             // can be set
+    bool isText = false;             // its value is a text, never a number
     double minimum = 0.0;            // allowed range of the stored number; both 0: not limited
     double maximum = 0.0;
     std::optional<VariableLimits> limits;   // none: no value is out of the ordinary

@@ -154,7 +154,8 @@ private:
         std::span<const std::int64_t> times;
         std::span<const double> values;
         if (!Unpack(block, times, values)) {
-            return false;
+            // What is damaged is left out; the checks of the store name it.
+            return true;
         }
         m_samples.times.insert(m_samples.times.end(), times.begin(), times.end());
         m_samples.values.insert(m_samples.values.end(), values.begin(), values.end());
@@ -180,7 +181,8 @@ private:
             return true;
         }
         if (!Unpack(block, times, values)) {
-            return false;
+            // What is damaged is left out; the checks of the store name it.
+            return true;
         }
         m_grouper.AddSamples(times, values, block.summary.isFinite);
         return true;
@@ -308,6 +310,7 @@ ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& peri
         zr::RecordArena arena;
         if (m_reader != nullptr) {
             arena = period.seconds > 0 ? BuildGrouped(period.seconds, progress) : BuildRecorded(progress);
+            m_failure = m_reader->Error();
         }
         group.reset(new CRecordGroup(std::move(arena), m_zone));
     }

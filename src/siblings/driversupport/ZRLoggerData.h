@@ -43,6 +43,9 @@ public:
         iterator last;   // one past the last
         int count = 0;   // of the selected ones
 
+        // All records of the range, selected or not, with the UTC that tells the passes of a doubled hour apart.
+        [[nodiscard]] std::span<const zr::RecordChunk> Chunks() const { return m_arena.Chunks(); }
+
     private:
         friend class ZRLoggerData;
         CRecordGroup(zr::RecordArena arena, const zr::TimeZone& zone);
@@ -73,6 +76,8 @@ public:
     // PeriodCuts and SampleGrouper); periods without a value of any variable have none. Read on the first call, later
     // ones give the same group with its selection. Progress may be null.
     CRecordGroup& RecordGroup(const ZRDateTimeSpan& period, zr::Progress* progress);
+    // Why the store failed when a group was read last; empty when it didn't.
+    [[nodiscard]] const std::string& Failure() const { return m_failure; }
     // Why columns of the selection have no values: one line each, in English, naming the filter file.
     [[nodiscard]] const std::vector<std::string>& Problems() const { return m_split.Problems(); }
 
@@ -96,6 +101,7 @@ private:
     bool GroupColumns(std::span<const std::int64_t> cuts, zr::Progress* progress,
                       std::vector<zr::SampleGrouper>& groupers);
 
+    std::string m_failure;
     std::vector<Column> m_columns;
     std::unique_ptr<zr::LoggerReader> m_reader;  // null: nothing to read
     zr::HourSplit m_split;                       // while the range holds

@@ -35,6 +35,8 @@ char MarkOf(std::string_view cell)
     if (!cell.empty() && (cell.front() == '-' || cell.front() == '+')) {
         cell.remove_prefix(1);
     }
+    // Beyond an exponent there is no mark.
+    cell = cell.substr(0, cell.find_first_of("eE"));
     const std::size_t mark = cell.find_first_not_of("0123456789");
     if (mark == std::string_view::npos || mark + 1 >= cell.size() || (cell[mark] != '.' && cell[mark] != ',') ||
         !std::all_of(cell.begin() + static_cast<std::ptrdiff_t>(mark) + 1, cell.end(), IsDigit)) {

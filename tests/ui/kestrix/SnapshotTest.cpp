@@ -28,7 +28,7 @@ TEST_F(SnapshotTest, TakesEveryKindOfPageInLightAndDark)
     Write(u"METER-1", u"U1", 230.0);
     std::string problem;
     ASSERT_TRUE(SaveSnapshots(*m_frame, m_folder / "out", problem)) << problem;
-    for (const char* const name : {"device-EM3", "device-IO8", "group", "about", "keys", "pagesetup"}) {
+    for (const char* const name : {"device-EM3", "device-IO8", "group", "logged-data", "about", "keys", "pagesetup"}) {
         for (const char* const colours : {"-light", "-dark"}) {
             const QImage image(
                 QString::fromStdString((m_folder.Path() / "out" / (std::string(name) + colours + ".png")).string()));

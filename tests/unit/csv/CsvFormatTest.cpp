@@ -18,6 +18,7 @@ TEST(CsvFormatTest, FindsSeparatorAndDecimalMark)
     EXPECT_EQ(DetectCsvFormat("time;p;u\n2006-12-16T17:24;4,2;234,8\n", {}), (CsvFormat{';', ','}));
     EXPECT_EQ(DetectCsvFormat("time;p;u\n2006-12-16T17:24;4.2;234.8\n", {}), (CsvFormat{';', '.'}));
     EXPECT_EQ(DetectCsvFormat("time\tp\tu\n2006-12-16T17:24\t4,2\t234,8\n", {}), (CsvFormat{'\t', ','}));
+    EXPECT_EQ(DetectCsvFormat("time;p\n1;-4,2e-7\n", {}), (CsvFormat{';', ','}));
     EXPECT_EQ(DetectCsvFormat("time,p,u\r\n2006-12-16,\"4,2\",\"234,8\"\r\n", {}), (CsvFormat{',', ','}));
 }
 

@@ -53,6 +53,7 @@ TEST(DeviceProfileTest, EveryValueOfAVariableArrives)
     EXPECT_EQ(variable.unitsDecimals, 4);
     EXPECT_TRUE(variable.splittable);
     EXPECT_TRUE(variable.output);
+    EXPECT_FALSE(variable.isText);
     EXPECT_EQ(variable.minimum, -5.0);
     EXPECT_EQ(variable.maximum, 1000.0);
     const VariableLayout& layout = profile->Layout(0);
@@ -64,6 +65,17 @@ TEST(DeviceProfileTest, EveryValueOfAVariableArrives)
     EXPECT_EQ(layout.registerExponent, -1);
     EXPECT_EQ(layout.write, Function::WriteMultipleRegisters);
     EXPECT_EQ(layout.writeFirst, 90);
+}
+
+TEST(DeviceProfileTest, TellsWhichVariableIsAText)
+{
+    std::string error;
+    const auto profile =
+        Profile(ProfileText(R"(<variable name="SERIAL" description="Serial number" function="3" register="0" type="text"
+            length="4"/>)"),
+                error);
+    ASSERT_NE(profile, nullptr) << error;
+    EXPECT_TRUE((*profile->Variables())[0].isText);
 }
 
 TEST(DeviceProfileTest, LimitsArriveAroundTheirNominalValue)

@@ -83,6 +83,19 @@ TEST_F(DeviceTreeTest, CountsADeviceOfSeveralGroupsOnceBelowTheirParent)
     EXPECT_EQ(tree.DevicesOf(tree.Top()[0]), Names({u"A"}));
 }
 
+TEST_F(DeviceTreeTest, HoldsTheLoggedDataAtItsEnd)
+{
+    DeviceTree tree(
+        Groups(R"(<K><DeviceGroups><Groups><G Id="N"><Devices><D Id="A"/></Devices></G></Groups></DeviceGroups></K>)"),
+        Names({u"A", u"B"}));
+    tree.AddLoggedData();
+    ASSERT_EQ(tree.Top().size(), 3u);
+    const std::size_t logged = tree.Top()[2];
+    EXPECT_EQ(tree[logged].kind, DeviceTree::Kind::LoggedData);
+    EXPECT_TRUE(tree.DevicesOf(logged).empty());
+    EXPECT_EQ(tree.FindPath(tree.PathOf(logged)), logged);
+}
+
 TEST_F(DeviceTreeTest, FindsAgainWhatAPathStandsFor)
 {
     const DeviceTree tree(Groups(R"(<K><DeviceGroups><Groups>

@@ -149,6 +149,35 @@ TEST_F(SupervisorTest, AFilterWithoutACalendarIsToldOfAndServes)
     EXPECT_NE(m_host.lines[0].find("THREE-TARIFF.MVDF: has no calendar"), std::string::npos) << m_host.lines[0];
 }
 
+TEST_F(SupervisorTest, ARecordingFileThatIsRefusedIsBadInput)
+{
+    const auto document = m_folder.Write("a.xml", Document("A"));
+    const auto recording = m_folder.Write("a.recording.xml", "<Recording>\n<Bad/></Recording>");
+    Supervisor supervisor(Options(document), "test", m_host);
+    ASSERT_TRUE(supervisor.Prepare());
+    EXPECT_EQ(supervisor.TakeDocument(), Supervisor::Taking::BadInput);
+    ASSERT_EQ(m_host.complaints.size(), 1u);
+    EXPECT_EQ(m_host.complaints[0], recording.string() + ":2: unknown element Bad in Recording");
+}
+
+TEST_F(SupervisorTest, ADocumentIsOpenedWithoutTheRecordingThatIsRefused)
+{
+    const auto first = m_folder.Write("a.xml", Document("A"));
+    m_folder.Write("a.recording.xml", "<Recording><DataSet Name=\"s\"><Device Name=\"A\"/></DataSet></Recording>");
+    const auto second = m_folder.Write("b.xml", Document("B"));
+    m_folder.Write("b.recording.xml", "<Recording><Bad/></Recording>");
+    Supervisor supervisor(Options(first), "test", m_host);
+    ASSERT_TRUE(supervisor.Prepare());
+    ASSERT_EQ(supervisor.TakeDocument(), Supervisor::Taking::Taken);
+    supervisor.LoadRegistry();
+    EXPECT_TRUE(supervisor.Recording().Status().isConfigured);
+    ASSERT_TRUE(supervisor.Open(second));
+    EXPECT_EQ(FirstDevice(), u"B");
+    EXPECT_FALSE(supervisor.Recording().Status().isConfigured);
+    EXPECT_EQ(supervisor.Recording().Status().file, m_folder / "b.recording.xml");
+    EXPECT_EQ(supervisor.Figures().warnings, 1u);
+}
+
 TEST_F(SupervisorTest, AnUnknownLanguageLeavesTheOldTexts)
 {
     Supervisor supervisor(Options(m_folder.Write("a.xml", Document("A"))), "test", m_host);

@@ -4,7 +4,10 @@
 #include "unit/logger/LoggedFixture.h"
 #include "unit/logger/MemoryTableList.h"
 
+#include <algorithm>
+#include <array>
 #include <limits>
+#include <random>
 
 namespace zr::logger {
 namespace {
@@ -385,6 +388,50 @@ TEST_F(LoggerTableTest, SettingsWithNumbersOutOfAllBoundsShowEveryColumn)
     EXPECT_EQ(list.order, (std::vector{0, 2, 1, 3}));
     EXPECT_EQ(list.columns[1].width, 0);
     EXPECT_EQ(list.columns[2].width, kMaxColumnWidth);
+}
+
+TEST_F(LoggerTableTest, AnySettingsGiveATableThatCanBeShownArrangedAndKept)
+{
+    std::mt19937 random(1);
+    const auto any = [&](const auto& from) { return from[random() % std::size(from)]; };
+    const std::array names = {u"M.U", u"M.E", u"M.PF", u"X.GONE", u"", u"M"};
+    const std::array numbers = {u"0", u"1", u"2", u"-1", u"2147483647", u"-2147483648", u"x", u""};
+    const std::array tags = {u"Var", u"VarSetup", u"Other"};
+    for (int round = 0; round < 60; ++round) {
+        XmlDocument settings;
+        settings.Create(u"main");
+        for (const wchar* element : {u"Vars", u"Table"}) {
+            XmlNode* const node = settings.root->NewChild(element);
+            for (auto entries = random() % 6; entries > 0; --entries) {
+                XmlNode* const entry = node->NewChild(any(tags));
+                entry->SetValue(random() % 8 != 0 ? (node->tag == u"Vars" ? u"Name" : u"Var") : u"else", any(names));
+                entry->SetValue(u"Index", any(numbers));
+                entry->SetValue(u"Width", any(numbers));
+            }
+        }
+        ZRLoggerInfo logged;
+        for (auto variables = random() % 5; variables > 0; --variables) {
+            logged.AddVariable(any(names));
+        }
+        MemoryTableList control;
+        LoggerTable shown(control);
+        shown.Setup(logged, settings.root);
+        std::vector<int> sorted = control.order;
+        std::sort(sorted.begin(), sorted.end());
+        ASSERT_EQ(sorted.size(), control.columns.size());
+        for (std::size_t i = 0; i < sorted.size(); ++i) {
+            ASSERT_EQ(sorted[i], static_cast<int>(i));
+        }
+        std::shuffle(control.order.begin(), control.order.end(), random);
+        shown.OnConfig([](ZRTableProfile&, ZRTableProfile&, ZRLoggerInfo&) { return true; });
+        shown.Setup(logged, settings.root);
+        shown.OnDestroy();
+        std::size_t kept = 0;
+        for (const XmlNode* child : settings.root->Node(u"Table")->children) {
+            kept += child->tag == u"VarSetup" ? 1U : 0U;
+        }
+        ASSERT_EQ(kept, shown.Profile().NVars());
+    }
 }
 
 TEST_F(LoggerTableTest, NamesOfTenThousandCharactersAreShownAndCopied)

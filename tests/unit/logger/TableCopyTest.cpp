@@ -184,6 +184,15 @@ TEST_F(TableCopyTest, TextPlainIsThePlainTextInUtf8)
               "C)\tM Energy (kWh)\t\r\n");
 }
 
+TEST_F(TableCopyTest, TextPlainKeepsPairsWhereverTheyStand)
+{
+    for (const std::size_t before : {0U, 1007U, 1008U, 1009U, 1010U, 2031U, 2033U}) {
+        titles[1] = ZRBasicString(std::u16string(before, u'x') + u"\U0001F50C\U0001F50C");
+        EXPECT_EQ(Copy().TextPlain(), "Date and time\t" + std::string(before, 'x') +
+                                          "\xF0\x9F\x94\x8C\xF0\x9F\x94\x8C\tM Energy (kWh)\t\r\n");
+    }
+}
+
 TEST_F(TableCopyTest, EscapedHtmlReplacesWhatHtmlReads)
 {
     EXPECT_EQ(EscapedHtml(u"a<b>&\"'\u00E9"), "a&lt;b&gt;&amp;&quot;'\xC3\xA9");

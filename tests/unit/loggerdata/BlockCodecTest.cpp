@@ -97,6 +97,17 @@ TEST(BlockCodec, ExtremeTimesInAnyOrderComeBack)
     ExpectRoundTrip({Limits::max(), Limits::min(), 0, 0, -1, Limits::min(), Limits::max()}, Values(7, 1.0));
 }
 
+TEST(BlockCodec, TimesOfAUnitAndAStartComeBackAsSuch)
+{
+    const Times written = {0, 1, 2, 3, 10, 9};
+    const Bytes bytes = EncodeBlock(written, Values(written.size(), 1.0));
+    Times times;
+    Values values;
+    ASSERT_TRUE(DecodeBlock(bytes, times, values, kStart, kMinute));
+    EXPECT_EQ(times, (Times{kStart, kStart + kMinute, kStart + 2 * kMinute, kStart + 3 * kMinute, kStart + 10 * kMinute,
+                            kStart + 9 * kMinute}));
+}
+
 TEST(BlockCodec, AnyBitsComeBack)
 {
     std::mt19937_64 random(11);

@@ -102,12 +102,54 @@ TEST_F(FileReplace, MakesFoldersForTheirOwnerOnly)
     EXPECT_FALSE(zr::MakePrivateFolder({}, m_reason));
 }
 
+#ifndef _WIN32
+TEST_F(FileReplace, TellsWhetherOthersCanReadAFile)
+{
+    using std::filesystem::perms;
+    const auto file = m_folder.Write("f", "");
+    for (const auto& [mode, expected] :
+         {std::pair(perms(0600), false), std::pair(perms(0640), true), std::pair(perms(0604), true)}) {
+        std::filesystem::permissions(file, mode);
+        EXPECT_EQ(zr::CanOthersRead(file), expected);
+    }
+    EXPECT_FALSE(zr::CanOthersRead(m_folder / "absent"));
+}
+#endif
+
 TEST_F(FileReplace, PathsAndTextsConvertBothWays)
 {
     const std::filesystem::path path = zr::PathFromText(std::u16string_view(u"/\u00E9t\u00E9/\U0001F50C"));
     EXPECT_EQ(zr::TextOfPath(path), "/\xC3\xA9t\xC3\xA9/\xF0\x9F\x94\x8C");
     const char16_t broken[] = {u'a', 0xD800, 0};
     EXPECT_EQ(zr::TextOfPath(zr::PathFromText(std::u16string_view(broken))), "a\xEF\xBF\xBD");
+}
+
+TEST_F(FileReplace, PiecesReplaceAFileOnceTheyAreCommitted)
+{
+    m_folder.Write("f", "old");
+    zr::ReplacingFile file;
+    ASSERT_TRUE(file.Open(m_folder / "f", m_reason)) << m_reason;
+    EXPECT_TRUE(file.Write("new ", m_reason));
+    EXPECT_TRUE(file.Write("content", m_reason));
+    EXPECT_EQ(m_folder.Read("f"), "old");
+    EXPECT_TRUE(file.Commit(m_reason)) << m_reason;
+    EXPECT_EQ(m_folder.Read("f"), "new content");
+    EXPECT_THAT(m_folder.Names(), testing::ElementsAre("f"));
+}
+
+TEST_F(FileReplace, PiecesThatAreNotCommittedLeaveNoTrace)
+{
+    m_folder.Write("f", "old");
+    {
+        zr::ReplacingFile file;
+        ASSERT_TRUE(file.Open(m_folder / "f", m_reason)) << m_reason;
+        EXPECT_TRUE(file.Write("new", m_reason));
+    }
+    EXPECT_EQ(m_folder.Read("f"), "old");
+    EXPECT_THAT(m_folder.Names(), testing::ElementsAre("f"));
+    zr::ReplacingFile file;
+    EXPECT_FALSE(file.Open(m_folder / "nowhere" / "f", m_reason));
+    EXPECT_NE(m_reason, "");
 }
 
 }  // namespace

@@ -36,7 +36,16 @@ QIcon WithState(const QIcon& picture, DeviceState state)
 
 QString TextOf(const DeviceTree::Node& node)
 {
-    return node.kind == DeviceTree::Kind::OtherDevices ? LoadText(kTextTreeOtherDevices) : ToQt(node.text);
+    switch (node.kind) {
+        case DeviceTree::Kind::OtherDevices:
+            return LoadText(kTextTreeOtherDevices);
+        case DeviceTree::Kind::LoggedData:
+            return LoadText(kTextLoggedData);
+        case DeviceTree::Kind::Group:
+        case DeviceTree::Kind::Device:
+            break;
+    }
+    return ToQt(node.text);
 }
 
 }  // namespace
@@ -89,6 +98,9 @@ void DeviceTreeView::UpdateStates(const PlantWatch& watch)
     m_isFilling = true;
     std::map<std::pair<QString, DeviceState>, QIcon> icons;
     for (std::size_t node = 0; node < m_tree.Size(); ++node) {
+        if (m_tree[node].kind == DeviceTree::Kind::LoggedData) {
+            continue;
+        }
         const DeviceState state = watch.StateOf(m_tree, node);
         if (state == m_states[node] && !m_items[node]->icon(0).isNull()) {
             continue;
@@ -101,12 +113,39 @@ void DeviceTreeView::UpdateStates(const PlantWatch& watch)
         if (icon.isNull()) {
             icon = WithState(ui::NamedImage(picture), state);
         }
-        SetItemImage(m_items[node], icon);
-        m_items[node]->setToolTip(0, PlainTip(TextOf(m_tree[node]) + QStringLiteral(": ") + StateText(state)));
-        // For screen readers, which see no pictures.
-        m_items[node]->setData(0, Qt::AccessibleDescriptionRole, StateText(state));
+        ShowState(node, icon, StateText(state));
     }
     m_isFilling = false;
+}
+
+void DeviceTreeView::UpdateLoggedData(DeviceState badge, const QString& text)
+{
+    for (const std::size_t node : m_tree.Top()) {
+        if (m_tree[node].kind != DeviceTree::Kind::LoggedData) {
+            continue;
+        }
+        HTREEITEM const item = m_items[node];
+        if (badge == m_states[node] && item->data(0, Qt::AccessibleDescriptionRole).toString() == text) {
+            return;
+        }
+        m_isFilling = true;
+        m_states[node] = badge;
+        ShowState(node, WithState(ui::NamedImage(QStringLiteral("period")), badge), text);
+        m_isFilling = false;
+    }
+}
+
+QString DeviceTreeView::NodeText(std::size_t node) const
+{
+    return TextOf(m_tree[node]);
+}
+
+void DeviceTreeView::ShowState(std::size_t node, const QIcon& icon, const QString& text)
+{
+    SetItemImage(m_items[node], icon);
+    m_items[node]->setToolTip(0, PlainTip(TextOf(m_tree[node]) + QStringLiteral(": ") + text));
+    // For screen readers, which see no pictures.
+    m_items[node]->setData(0, Qt::AccessibleDescriptionRole, text);
 }
 
 std::size_t DeviceTreeView::SelectedNode() const

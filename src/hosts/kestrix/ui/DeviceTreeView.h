@@ -22,6 +22,11 @@ public:
     // Pictures by the states of the devices.
     void UpdateStates(const PlantWatch& watch);
 
+    // As it is shown.
+    [[nodiscard]] QString NodeText(std::size_t node) const;
+    // Of the node of logged data, if there is one.
+    void UpdateLoggedData(DeviceState badge, const QString& text);
+
     // Those in force; to be called when they have changed.
     void TakeColours() { setPalette(TreePalette()); }
 
@@ -38,6 +43,7 @@ public:
 
 private:
     void Add(std::size_t node, HTREEITEM parent);
+    void ShowState(std::size_t node, const QIcon& icon, const QString& text);
     // Of a group, whose text was edited.
     void Renamed(HTREEITEM item);
 

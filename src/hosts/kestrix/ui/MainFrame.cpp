@@ -5,6 +5,8 @@
 #include "hosts/kestrix/ui/Commands.h"
 #include "hosts/kestrix/ui/DevicePageView.h"
 #include "hosts/kestrix/ui/GroupPageView.h"
+#include "hosts/kestrix/ui/LoggedDataPageView.h"
+#include "hosts/kestrix/ui/LoggedDataWindow.h"
 #include "hosts/kestrix/ui/Theme.h"
 #include "hosts/kestrix/ui/UiTexts.h"
 #include "platform/FileReplace.h"
@@ -75,6 +77,7 @@ MainFrame::MainFrame(supervision::Supervisor& supervisor, DesktopSettings& setti
 MainFrame::~MainFrame()
 {
     m_timer.stop();
+    CloseLoggedData(false);
     m_isFilling = true;
     SetPage(nullptr);
 }
@@ -87,6 +90,7 @@ void MainFrame::Run()
 void MainFrame::RegistryGoes()
 {
     if (m_watch != nullptr) {
+        CloseLoggedData(true);
         LeaveRegistry();
         m_watch.reset();
     }
@@ -96,6 +100,7 @@ void MainFrame::RegistryCame()
 {
     m_watch = std::make_unique<PlantWatch>();
     ShowRegistry();
+    ReopenLoggedData();
 }
 
 void MainFrame::LeaveRegistry()
@@ -112,9 +117,13 @@ void MainFrame::ShowRegistry()
     m_watch->Update(ZRDebugInfo::Get(), m_supervisor.IsOurs());
     ZRMainCfg& document = m_supervisor.Document();
     m_isFilling = true;
-    m_tree->Show(
-        DeviceTree(document.root != nullptr ? document.root->Node(u"DeviceGroups") : nullptr, m_watch->Names()));
+    DeviceTree tree(document.root != nullptr ? document.root->Node(u"DeviceGroups") : nullptr, m_watch->Names());
+    if (!m_watch->Names().empty()) {
+        tree.AddLoggedData();
+    }
+    m_tree->Show(tree);
     m_tree->UpdateStates(*m_watch);
+    ShowLoggedData();
     m_isFilling = false;
     RestorePage();
     ShowBanner();
@@ -149,6 +158,7 @@ void MainFrame::UpdateAll()
     }
     m_watch->Update(ZRDebugInfo::Get(), m_supervisor.IsOurs());
     m_tree->UpdateStates(*m_watch);
+    ShowLoggedData();
     if (m_page != nullptr) {
         m_page->UpdateValues();
     }
@@ -183,22 +193,41 @@ void MainFrame::ShowPage()
     if (node == m_shownNode && m_page != nullptr) {
         return;
     }
+    SetPage(NewPage(node));
+    m_shownNode = node;
+}
+
+PageView* MainFrame::NewPage(std::size_t node)
+{
     const DeviceTree::Node& shown = m_tree->Tree()[node];
     if (shown.kind == DeviceTree::Kind::Device) {
         const DeviceWatch* const watch = m_watch->Find(shown.text);
-        SetPage(watch != nullptr ? new DevicePageView(m_scroll, *watch) : nullptr);
-    } else {
-        const bool isOthers = shown.kind == DeviceTree::Kind::OtherDevices;
-        auto* const page =
-            new GroupPageView(m_scroll, *m_watch, isOthers ? LoadText(kTextTreeOtherDevices) : ToQt(shown.text),
-                              m_tree->Tree().DevicesOf(node));
-        page->OnDevice([this](const ZRBasicString& device) {
-            // The page is in the middle of its event.
-            QTimer::singleShot(0, this, [this, device] { ShowDevice(device); });
-        });
-        SetPage(page);
+        return watch != nullptr ? new DevicePageView(m_scroll, *watch) : nullptr;
     }
-    m_shownNode = node;
+    if (shown.kind == DeviceTree::Kind::LoggedData) {
+        return new LoggedDataPageView(m_scroll, [this] { return LoggedData(); });
+    }
+    const bool isOthers = shown.kind == DeviceTree::Kind::OtherDevices;
+    auto* const page =
+        new GroupPageView(m_scroll, *m_watch, isOthers ? LoadText(kTextTreeOtherDevices) : ToQt(shown.text),
+                          m_tree->Tree().DevicesOf(node));
+    page->OnDevice([this](const ZRBasicString& device) {
+        // The page is in the middle of its event.
+        QTimer::singleShot(0, this, [this, device] { ShowDevice(device); });
+    });
+    return page;
+}
+
+LoggedDataPage MainFrame::LoggedData() const
+{
+    const ZRBasicString other = m_supervisor.IsOurs() ? ZRBasicString() : Utf8ToUtf16(m_supervisor.OtherProgram());
+    return MakeLoggedDataPage(m_supervisor.Recording().Status(), other);
+}
+
+void MainFrame::ShowLoggedData()
+{
+    const LoggedDataPage page = LoggedData();
+    m_tree->UpdateLoggedData(page.badge, ToQt(page.state));
 }
 
 void MainFrame::SetPage(PageView* page)
@@ -217,7 +246,7 @@ void MainFrame::SetPage(PageView* page)
         m_page->UpdateValues();
     }
     m_scroll->setVisible(m_page != nullptr);
-    m_strip->setVisible(m_page != nullptr);
+    m_strip->setVisible(m_page != nullptr && m_page->HasValues());
     m_empty->setVisible(m_page == nullptr);
     const bool hasDevices = m_watch != nullptr && !m_watch->Names().empty();
     m_empty->setText(LoadText(hasDevices ? kTextPageNothingSelected : kTextPageNoDevices));

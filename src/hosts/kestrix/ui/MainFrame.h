@@ -2,6 +2,7 @@
 #pragma once
 
 #include "hosts/kestrix/DesktopSettings.h"
+#include "hosts/kestrix/LoggedDataPage.h"
 #include "hosts/kestrix/PlantWatch.h"
 #include "hosts/kestrix/ui/DeviceTreeView.h"
 #include "hosts/kestrix/ui/PageView.h"
@@ -12,8 +13,10 @@
 #include "platform/ui/CToolBar.h"
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
+#include <QPointer>
 #include <QTimer>
 #include <QTranslator>
 #include <string>
@@ -25,6 +28,8 @@ class QSplitter;
 class QToolButton;
 
 namespace zr::desktop {
+
+class LoggedDataWindow;
 
 // Tree at the left, page in the middle with the strip of the selected value below it, warnings at the bottom, menu,
 // toolbar and status bar. Shows the registry of a supervisor that has loaded its document. UI thread only.
@@ -55,6 +60,9 @@ public:
     // Shows the page of the device; false when there is none.
     bool ShowDevice(const ZRBasicString& device);
     bool ShowNode(std::size_t node);
+    // A window on the logged data of a device or a group, beside those that are open; the one of that node comes to the
+    // front where there is one. Null, after the user was told, where nothing is recorded.
+    LoggedDataWindow* OpenLoggedData(std::size_t node);
     [[nodiscard]] DeviceTreeView& Tree() const { return *m_tree; }
     // Null while nothing is selected in the tree.
     [[nodiscard]] PageView* Page() const { return m_page; }
@@ -97,6 +105,9 @@ private:
     void LeaveRegistry();
     void ShowRegistry();
     void ShowPage();
+    [[nodiscard]] PageView* NewPage(std::size_t node);
+    [[nodiscard]] LoggedDataPage LoggedData() const;
+    void ShowLoggedData();
     void SetPage(PageView* page);
     void RestorePage();
     void ShowSelection();
@@ -107,6 +118,9 @@ private:
     void ShowWarnings();
     void ShowDeviceOfWarning(int index);
     void NextPane();
+    // Those that are open, to be opened anew with the next registry where reopen is set.
+    void CloseLoggedData(bool reopen);
+    void ReopenLoggedData();
 
     // False when the user wants to stay.
     bool AskAboutChanges();
@@ -123,6 +137,14 @@ private:
     DesktopSettings& m_settings;
     std::unique_ptr<PlantWatch> m_watch;
     QTranslator m_qtTexts;
+
+    // By the path of the node: how the columns were arranged, and the window while it is open, which owns itself.
+    struct LoggedDataView {
+        XmlDocument settings;
+        QPointer<LoggedDataWindow> window;
+        bool reopens = false;
+    };
+    std::map<ZRBasicString, LoggedDataView> m_loggedData;
 
     // Owned by Qt.
     QSplitter* m_splitter = nullptr;

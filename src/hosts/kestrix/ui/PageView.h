@@ -50,6 +50,8 @@ public:
     // The first value on the page, if there is one.
     void SelectFirst();
     [[nodiscard]] std::size_t ValueCount() const { return m_values.size(); }
+    // Whether it is made of values, which can be selected.
+    [[nodiscard]] virtual bool HasValues() const { return true; }
 
 protected:
     static constexpr int kMargin = 16;

@@ -20,7 +20,7 @@ class Camera {
 public:
     Camera(MainFrame& frame, std::filesystem::path folder) : m_frame(frame), m_folder(std::move(folder)) {}
 
-    // The first device of each type, and the first group.
+    // The first device of each type, the first group, and the logged data.
     void TakePages()
     {
         const DeviceTree& tree = m_frame.Tree().Tree();
@@ -33,6 +33,8 @@ public:
                 if (types.insert(type).second) {
                     TakePage(node, "device-" + Utf16ToUtf8(type));
                 }
+            } else if (tree[node].kind == DeviceTree::Kind::LoggedData) {
+                TakePage(node, "logged-data");
             } else if (!std::exchange(hasGroup, true)) {
                 TakePage(node, "group");
             }

@@ -166,7 +166,7 @@ void RecordLane::TakePushed()
     const std::lock_guard lock(m_guard);
     std::move(m_queue.begin(), m_queue.end(), std::back_inserter(m_waiting));
     m_queue.clear();
-    for (std::size_t i = 0; i < m_newInfoCodes.size(); ++i) {
+    for (std::size_t i = 0; i < std::min(m_newInfoCodes.size(), m_names.Variables()); ++i) {
         m_names.SetInfoCode(static_cast<int>(i), m_newInfoCodes[i]);
     }
     m_newInfoCodes.clear();
@@ -211,17 +211,23 @@ bool RecordLane::AppendWaiting()
 
 bool RecordLane::SpoolWaiting()
 {
+    std::size_t most = kSpoolPortion;
     while (!m_waiting.empty()) {
         std::size_t count = 0;
-        for (std::size_t samples = 0; count < m_waiting.size() && samples < kSpoolPortion; ++count) {
+        for (std::size_t samples = 0; count < m_waiting.size() && (count == 0 || samples < most); ++count) {
             samples += m_waiting[count].values.size();
         }
         const std::span<const RecordBatch> portion = std::span(m_waiting).first(count);
-        const bool isSafe = m_spool.Append(portion);
-        SpoolServes(isSafe);
-        if (!isSafe) {
+        if (!m_spool.Append(portion)) {
+            if (count > 1) {
+                // Where there is no room for many there may be some for one.
+                most = 0;
+                continue;
+            }
+            SpoolServes(false);
             return false;
         }
+        SpoolServes(true);
         for (const RecordBatch& batch : portion) {
             Acknowledge(batch, batch.values.size(), true);
         }

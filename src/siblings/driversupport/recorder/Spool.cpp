@@ -18,14 +18,6 @@ constexpr std::size_t kLargestFile = 256u << 20;
 // As many names of one sequence number are tried: a file that was begun and holds nothing keeps its name.
 constexpr int kTries = 1000;
 
-// Files sort by name as they sort by age.
-std::string FileName(std::uint64_t sequence, int attempt)
-{
-    char name[64];
-    std::snprintf(name, sizeof name, "%020llu-%03d%s", static_cast<unsigned long long>(sequence), attempt, kExtension);
-    return name;
-}
-
 // The number in a file's name; false for a name that isn't ours.
 bool SequenceOf(const std::filesystem::path& path, std::uint64_t& sequence)
 {
@@ -35,6 +27,13 @@ bool SequenceOf(const std::filesystem::path& path, std::uint64_t& sequence)
 }
 
 }  // namespace
+
+std::string SpoolFileName(std::uint64_t sequence, int attempt)
+{
+    char name[64];
+    std::snprintf(name, sizeof name, "%020llu-%03d%s", static_cast<unsigned long long>(sequence), attempt, kExtension);
+    return name;
+}
 
 Spool::Spool(std::filesystem::path folder, std::uint64_t limit, RecordNames& names)
     : m_folder(std::move(folder)), m_limit(limit), m_names(names)
@@ -122,6 +121,10 @@ void Spool::Inspect(const std::filesystem::path& path)
         }
         m_next = sequence + batch.values.size();
         Enter(file, batch);
+    }
+    if (reader.End() > m_next) {
+        ReportGap(path, reader.End(), reader.Skipped());
+        m_next = reader.End();
     }
     if (file.samples == 0) {
         // Its first portion was under way when the process ended, and nobody was told that it is safe.
@@ -222,7 +225,7 @@ bool Spool::BeginFile()
 {
     std::string reason;
     for (int attempt = 0; attempt < kTries; ++attempt) {
-        const std::filesystem::path path = m_folder / FileName(m_next, attempt);
+        const std::filesystem::path path = m_folder / SpoolFileName(m_next, attempt);
         std::error_code ignored;
         if (std::filesystem::exists(path, ignored)) {
             continue;

@@ -18,6 +18,9 @@
 
 namespace zr {
 
+// Of a file that begins with a sample of that number. Names sort as files age.
+std::string SpoolFileName(std::uint64_t sequence, int attempt);
+
 // A queue on disk: batches are appended at its end and read from its front, in files of some megabytes
 // (docs/formats/spool.md) that go when all they hold is done with. What a process leaves there, however it died, the
 // next one finds. One thread at a time; blocks on the disk.

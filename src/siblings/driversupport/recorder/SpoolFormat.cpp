@@ -82,6 +82,13 @@ void PutRecord(std::string& out, std::string_view content)
     out += content;
 }
 
+// Any other byte than a digit there is damage.
+bool IsOfLaterFormat(std::string_view bytes)
+{
+    return bytes.size() >= kSpoolHead.size() && bytes.starts_with(kHeadOfAnyVersion) && bytes[7] >= '2' &&
+           bytes[7] <= '9';
+}
+
 // True the first time.
 bool Enter(std::vector<bool>& known, int number)
 {
@@ -176,8 +183,7 @@ void SpoolWriter::EncodeSamples(const RecordBatch& batch, std::span<const Record
 SpoolReader::SpoolReader(std::string_view bytes, RecordNames& names)
     : m_bytes(bytes),
       m_names(names),
-      m_isOfThisFormat(!bytes.starts_with(kHeadOfAnyVersion) || bytes.starts_with(kSpoolHead) ||
-                       bytes.size() < kSpoolHead.size()),
+      m_isOfThisFormat(!IsOfLaterFormat(bytes)),
       m_patience(16 * bytes.size() + kMaxSpoolContent)
 {
     if (!m_isOfThisFormat) {
@@ -253,13 +259,17 @@ bool SpoolReader::ReadNames(std::string_view content)
     return true;
 }
 
-bool SpoolReader::ReadSamples(std::string_view content, RecordBatch& batch, std::uint64_t& sequence) const
+bool SpoolReader::ReadSamples(std::string_view content, RecordBatch& batch, std::uint64_t& sequence)
 {
     std::uint32_t dataSet = 0;
     std::uint32_t count = 0;
     content.remove_prefix(1);
     if (!Take(content, sequence) || !Take(content, batch.time) || !Take(content, dataSet) || !Take(content, count) ||
-        content.size() != count * kSpoolSampleBytes || !m_dataSets.contains(dataSet)) {
+        content.size() != count * kSpoolSampleBytes) {
+        return false;
+    }
+    m_end = sequence + count;
+    if (!m_dataSets.contains(dataSet)) {
         return false;
     }
     batch.dataSet = m_dataSets.at(dataSet);

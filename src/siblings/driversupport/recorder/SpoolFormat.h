@@ -57,16 +57,16 @@ public:
 
     // False for the bytes of a format that a later program made: nothing is read of them.
     [[nodiscard]] bool IsOfThisFormat() const { return m_isOfThisFormat; }
-    // Where the last whole record ended.
-    [[nodiscard]] std::size_t GoodEnd() const { return m_goodEnd; }
-    // Bytes passed over before that.
+    // The number after that of the last sample seen so far, records included whose names are lost; 0: none seen.
+    [[nodiscard]] std::uint64_t End() const { return m_end; }
+    // Bytes passed over before the last whole record.
     [[nodiscard]] std::size_t Skipped() const { return m_skipped; }
 
 private:
     // The content of the record at the position; empty when there is none whole.
     std::string_view ContentAt(std::size_t position);
     bool ReadNames(std::string_view content);
-    bool ReadSamples(std::string_view content, RecordBatch& batch, std::uint64_t& sequence) const;
+    bool ReadSamples(std::string_view content, RecordBatch& batch, std::uint64_t& sequence);
 
     std::string_view m_bytes;
     RecordNames& m_names;
@@ -74,6 +74,7 @@ private:
     std::size_t m_position = 0;
     std::size_t m_goodEnd = 0;
     std::size_t m_skipped = 0;
+    std::uint64_t m_end = 0;
     std::size_t m_patience = 0;                          // bytes that may still be looked at in vain
     std::unordered_map<std::uint32_t, int> m_variables;  // number in the file -> of m_names
     std::unordered_map<std::uint32_t, int> m_dataSets;

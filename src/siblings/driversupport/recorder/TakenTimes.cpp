@@ -12,20 +12,40 @@ constexpr std::size_t kMostWindows = 16;
 
 }  // namespace
 
-// A range for each block, which is of one hour: after a clock that went wrong the hours between are free.
 class TakenTimes::Collector final : public LoggerBlockVisitor {
 public:
     Collector(std::int64_t from, std::int64_t to, std::vector<Range>& ranges) : m_from(from), m_to(to), m_ranges(ranges)
     {
     }
 
+    // A block that can't be read holds nothing that could be overwritten.
     bool OnBlock(LoggerBlock& block) override
     {
-        m_ranges.push_back({std::max(block.summary.firstTime, m_from), std::min(block.summary.lastTime, m_to - 1)});
+        std::span<const std::int64_t> times;
+        std::span<const double> values;
+        if (block.Samples(times, values)) {
+            for (const std::int64_t time : times) {
+                Add(time);
+            }
+        }
         return true;
     }
 
 private:
+    void Add(std::int64_t time)
+    {
+        if (time < m_from || time >= m_to) {
+            return;
+        }
+        Range* const last = !m_ranges.empty() ? &m_ranges.back() : nullptr;
+        if (last == nullptr || (last->step != 0 && time - last->last != last->step)) {
+            m_ranges.push_back({time, time, 0});
+            return;
+        }
+        last->step = time - last->last;
+        last->last = time;
+    }
+
     std::int64_t m_from;
     std::int64_t m_to;
     std::vector<Range>& m_ranges;
@@ -49,7 +69,7 @@ bool TakenTimes::LookFrom(std::int64_t time, const RecordNames& names, LoggerRea
         }
         if (first.time < window.to) {
             Collector collector(first.time, window.to, window.ranges[variable]);
-            if (!reader.ReadBlocks(name, first.time, window.to, LoggerNeed::Summaries, collector)) {
+            if (!reader.ReadBlocks(name, first.time, window.to, LoggerNeed::Samples, collector)) {
                 return false;
             }
         }
@@ -78,8 +98,10 @@ bool TakenTimes::IsTaken(int variable, std::int64_t time) const
     if (entry == window->ranges.end()) {
         return false;
     }
-    return std::any_of(entry->second.begin(), entry->second.end(),
-                       [time](const Range& range) { return range.first <= time && time <= range.last; });
+    return std::any_of(entry->second.begin(), entry->second.end(), [time](const Range& range) {
+        return range.first <= time && time <= range.last &&
+               (time == range.first || (time - range.first) % range.step == 0);
+    });
 }
 
 }  // namespace zr

@@ -19,13 +19,15 @@ public:
     [[nodiscard]] bool IsUnknown(std::int64_t time) const { return Find(time) == nullptr; }
     // Asks a store for all variables. False when it fails; what is known is then as before.
     bool LookFrom(std::int64_t time, const RecordNames& names, LoggerReader& reader);
-    // Whether the variable had a sample there; within an hour, times between two samples count as well.
+    // Whether the variable had a sample there.
     [[nodiscard]] bool IsTaken(int variable, std::int64_t time) const;
 
 private:
+    // Times at one pace, as they are recorded.
     struct Range {
-        std::int64_t first = 0;  // inclusive, as the other
-        std::int64_t last = 0;
+        std::int64_t first = 0;
+        std::int64_t last = 0;  // inclusive
+        std::int64_t step = 0;  // 0: a single one
     };
     struct Window {
         std::int64_t from = 0;

@@ -202,13 +202,13 @@ void WriteBits(Writer& writer, std::span<const double> values)
     }
 }
 
-bool ReadTimes(Reader& reader, std::span<std::int64_t> times)
+bool ReadTimes(Reader& reader, std::span<std::int64_t> times, std::uint64_t start, std::uint64_t unit)
 {
-    std::uint64_t time = 0;
+    std::uint64_t time = start;
     std::uint64_t step = 0;
     for (std::size_t i = 0; i < times.size();) {
         std::size_t length = 0;
-        step += FromZigZag(reader.Run(times.size() - i, length));
+        step += FromZigZag(reader.Run(times.size() - i, length)) * unit;
         if (!reader.IsGood()) {
             return false;
         }
@@ -287,7 +287,8 @@ std::vector<std::uint8_t> EncodeBlock(std::span<const std::int64_t> times, std::
     return writer.Take();
 }
 
-bool DecodeBlock(std::span<const std::uint8_t> bytes, std::vector<std::int64_t>& times, std::vector<double>& values)
+bool DecodeBlock(std::span<const std::uint8_t> bytes, std::vector<std::int64_t>& times, std::vector<double>& values,
+                 std::int64_t start, std::int64_t unit)
 {
     Reader reader(bytes);
     const bool isOurs = reader.Byte() == kBlockCodec;
@@ -297,7 +298,7 @@ bool DecodeBlock(std::span<const std::uint8_t> bytes, std::vector<std::int64_t>&
     }
     times.resize(static_cast<std::size_t>(count));
     values.resize(static_cast<std::size_t>(count));
-    if (!ReadTimes(reader, times)) {
+    if (!ReadTimes(reader, times, Unsigned(start), Unsigned(unit))) {
         return false;
     }
     const std::uint8_t decimals = reader.Byte();

@@ -20,6 +20,9 @@ std::vector<std::uint8_t> EncodeBlock(std::span<const std::int64_t> times, std::
 // False for bytes that EncodeBlock can't have written: cut short, followed by others, of another format. The outputs
 // are then of no use. Reads and allocates no more than the bytes account for, whatever they say: 16 bytes of memory a
 // sample and never more than kMaxBlockSamples. Any thread.
-bool DecodeBlock(std::span<const std::uint8_t> bytes, std::vector<std::int64_t>& times, std::vector<double>& values);
+//
+// A time t of the bytes is given as start + t * unit, which wraps: for times that were written in a unit of their own.
+bool DecodeBlock(std::span<const std::uint8_t> bytes, std::vector<std::int64_t>& times, std::vector<double>& values,
+                 std::int64_t start = 0, std::int64_t unit = 1);
 
 }  // namespace zr

@@ -56,6 +56,16 @@ bool WholeSum(std::span<const double> values, int decimals, std::int64_t& sum)
     return true;
 }
 
+// Up to eight bytes, the first lowest.
+std::uint64_t WordOf(std::span<const std::uint8_t> bytes)
+{
+    std::uint64_t word = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        word |= std::uint64_t{bytes[i]} << (8 * i);
+    }
+    return word;
+}
+
 }  // namespace
 
 std::int64_t HourOf(std::int64_t time)
@@ -124,16 +134,9 @@ PackedBlock PackBlock(std::int64_t series, std::int64_t hour, std::span<const st
 bool UnpackBlock(std::int64_t series, std::int64_t hour, std::int64_t codec, std::int64_t check,
                  std::span<const std::uint8_t> payload, std::vector<std::int64_t>& times, std::vector<double>& values)
 {
-    if (codec < 1 || static_cast<std::size_t>(codec) > kUnits.size() ||
-        CheckOf(series, hour, codec, payload) != check || !DecodeBlock(payload, times, values)) {
-        return false;
-    }
-    const auto start = static_cast<std::uint64_t>(StartOfHour(hour));
-    const auto unit = static_cast<std::uint64_t>(kUnits[static_cast<std::size_t>(codec - 1)]);
-    for (std::int64_t& time : times) {
-        time = Wrapped(start + static_cast<std::uint64_t>(time) * unit);
-    }
-    return true;
+    return codec >= 1 && static_cast<std::size_t>(codec) <= kUnits.size() &&
+           CheckOf(series, hour, codec, payload) == check &&
+           DecodeBlock(payload, times, values, StartOfHour(hour), kUnits[static_cast<std::size_t>(codec - 1)]);
 }
 
 void MergeSamples(std::span<const LoggerSample> later, std::vector<std::int64_t>& times, std::vector<double>& values)
@@ -171,14 +174,11 @@ std::int64_t CheckOf(std::int64_t series, std::int64_t place, std::int64_t kind,
     mix(static_cast<std::uint64_t>(series));
     mix(static_cast<std::uint64_t>(place));
     mix(static_cast<std::uint64_t>(kind));
-    while (!bytes.empty()) {
-        const std::size_t length = std::min<std::size_t>(bytes.size(), 8);
-        std::uint64_t word = 0;
-        for (std::size_t i = 0; i < length; ++i) {
-            word |= std::uint64_t{bytes[i]} << (8 * i);
-        }
-        mix(word);
-        bytes = bytes.subspan(length);
+    for (; bytes.size() >= 8; bytes = bytes.subspan(8)) {
+        mix(WordOf(bytes.first(8)));
+    }
+    if (!bytes.empty()) {
+        mix(WordOf(bytes));
     }
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(hash));
 }

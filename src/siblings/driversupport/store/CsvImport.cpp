@@ -363,11 +363,11 @@ bool CsvImport::TakeCell(const CsvReader& reader, Column& column, std::int64_t t
 
 bool CsvImport::TakeFault(const CsvReader& reader, std::size_t& counter, const std::string& reason)
 {
-    ++counter;
     std::string fault = FileError{reader.Error().file, reader.Line(), reason}.Message();
     if (m_options.isStrict) {
         return Fail(std::move(fault));
     }
+    ++counter;
     if (m_faults.size() < kFaultsTold) {
         m_faults.push_back(std::move(fault));
     }

@@ -156,7 +156,7 @@ void ReadDoubles(CodeReader& reader, LoggerSummary& summary)
 void WriteSummary(CodeWriter& writer, std::int64_t hour, const StoredSummary& stored, Before& before)
 {
     const LoggerSummary& summary = stored.summary;
-    std::int64_t firstTime = summary.firstTime - StartOfHour(hour);
+    auto firstTime = static_cast<std::int64_t>(Plain(summary.firstTime) - Plain(StartOfHour(hour)));
     std::int64_t lastTime = summary.lastTime - summary.firstTime;
     std::int64_t form = kFormStep * (stored.decimals + 1);
     form += summary.isRising ? kIsRising : 0;
@@ -274,7 +274,8 @@ void DayDigest::Remove(std::int64_t hour)
 
 const StoredSummary* DayDigest::Find(std::int64_t hour) const
 {
-    return (m_hours >> IndexOf(hour) & 1) != 0 ? &m_summaries[IndexOf(hour)] : nullptr;
+    const bool isOfDay = hour >= FirstHour() && hour < FirstHour() + kHoursOfDay;
+    return isOfDay && (m_hours >> IndexOf(hour) & 1) != 0 ? &m_summaries[IndexOf(hour)] : nullptr;
 }
 
 }  // namespace zr

@@ -28,7 +28,7 @@ public:
     // Hours are those since 1970, of this day.
     void Put(std::int64_t hour, const StoredSummary& summary);
     void Remove(std::int64_t hour);
-    // Null when there is no block.
+    // Null when there is no block, or the hour is of another day.
     [[nodiscard]] const StoredSummary* Find(std::int64_t hour) const;
     [[nodiscard]] bool IsEmpty() const { return m_hours == 0; }
     // A bit for each hour of the day that has a block, the first lowest.

@@ -87,7 +87,8 @@ public:
 
     // Shows the visitor every block that holds a sample in the range (`to` exclusive), in order of time and without
     // overlap; a block may hold samples outside it. Samples that aren't packed yet come in blocks likewise. True when
-    // all were shown, none included; false when the store fails or the visitor ended it.
+    // all were shown, none included, but for what is too damaged to show; false when the store fails or the visitor
+    // ended it.
     virtual bool ReadBlocks(const ZRBasicString& variable, std::int64_t from, std::int64_t to, LoggerNeed need,
                             LoggerBlockVisitor& visitor) = 0;
     // The last sample before a time. False, with sample unchanged, when there is none.
@@ -101,7 +102,7 @@ public:
     // Reads all there is and compares what blocks tell with what they hold. False when it was cancelled. Progress may
     // be null.
     virtual bool Check(LoggerCheck& check, Progress* progress) = 0;
-    // Why the last call failed; names the file or the node. Empty otherwise.
+    // Why the last call failed, or which block was damaged on its way; names the file or the node. Empty otherwise.
     [[nodiscard]] virtual std::string Error() const = 0;
 };
 

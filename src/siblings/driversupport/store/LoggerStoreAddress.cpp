@@ -1,5 +1,6 @@
 #include "siblings/driversupport/store/LoggerStoreAddress.h"
 
+#include "platform/FileReplace.h"
 #include "siblings/driversupport/store/OpenPostgresLoggerStore.h"
 #include "siblings/driversupport/store/SqliteLoggerStore.h"
 
@@ -25,6 +26,18 @@ std::vector<std::unique_ptr<LoggerStore>> OpenLoggerNodes(const LoggerStoreAddre
         stores.push_back(std::move(store));
     }
     return stores;
+}
+
+std::vector<std::string> LoggerNodeNames(const LoggerStoreAddress& address)
+{
+    if (address.nodes.empty()) {
+        return {TextOfPath(address.file)};
+    }
+    std::vector<std::string> names;
+    for (const std::string& node : address.nodes) {
+        names.push_back(PostgresServerName(node));
+    }
+    return names;
 }
 
 }  // namespace zr

@@ -22,4 +22,7 @@ struct LoggerStoreAddress {
 // call to its store. Empty, with an error, for an address that names neither.
 std::vector<std::unique_ptr<LoggerStore>> OpenLoggerNodes(const LoggerStoreAddress& address, std::string& error);
 
+// What people know the stores by, in the same order: the path of the file, "host:port/database" of each server.
+std::vector<std::string> LoggerNodeNames(const LoggerStoreAddress& address);
+
 }  // namespace zr

@@ -104,7 +104,11 @@ public:
         return true;
     }
 
-    [[nodiscard]] std::string Error() const override { return m_store.Error(); }
+    [[nodiscard]] std::string Error() const override
+    {
+        const std::lock_guard lock(m_store.m_guard);
+        return m_store.m_isAvailable ? "" : "the store in memory is set away";
+    }
 
 private:
     using Block = MemoryLoggerStore::Block;
@@ -162,6 +166,7 @@ int MemoryLoggerStore::OpenSeries(const ZRBasicString& variable, std::int32_t in
         m_error = "the store in memory is set away";
         return -1;
     }
+    m_error.clear();
     const auto [entry, isNew] = m_names.try_emplace(variable, static_cast<int>(m_series.size()));
     if (isNew) {
         m_series.emplace_back();
@@ -242,6 +247,7 @@ LoggerStore::Upkeep MemoryLoggerStore::Maintain(std::int64_t now)
         m_error = "the store in memory is set away";
         return Upkeep::Failed;
     }
+    m_error.clear();
     for (const auto& [variable, number] : m_names) {
         if (const std::int32_t days = RetentionOf(variable); days > 0) {
             Blocks& blocks = m_series[static_cast<std::size_t>(number)].blocks;

@@ -1,5 +1,6 @@
 #include "siblings/driversupport/store/OpenPostgresLoggerStore.h"
 
+#include "siblings/driversupport/store/PostgresConnection.h"
 #include "siblings/driversupport/store/PostgresLoggerStore.h"
 
 namespace zr {
@@ -8,6 +9,11 @@ std::unique_ptr<LoggerStore> OpenPostgresLoggerStore(const std::string& connecti
 {
     error.clear();
     return std::make_unique<PostgresLoggerStore>(connection);
+}
+
+std::string PostgresServerName(const std::string& connection)
+{
+    return PostgresConnection(connection, PostgresRole::Reader, {}).Name();
 }
 
 }  // namespace zr

@@ -12,4 +12,7 @@ namespace zr {
 // without PostgreSQL.
 std::unique_ptr<LoggerStore> OpenPostgresLoggerStore(const std::string& connection, std::string& error);
 
+// "host:port/database" of a connection text, for people; nothing else of it.
+std::string PostgresServerName(const std::string& connection);
+
 }  // namespace zr

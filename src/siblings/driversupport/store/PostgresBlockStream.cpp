@@ -6,7 +6,7 @@ namespace zr {
 
 namespace {
 
-constexpr int kPayloadsAtOnce = 256;
+constexpr int kPayloadsAtOnce = 1024;
 constexpr int kSummariesAtOnce = 4096;
 constexpr int kSamplesAtOnce = 8192;
 

@@ -264,6 +264,9 @@ bool PostgresConnection::PrepareSession(std::string& error)
     // A commit is an acknowledgement: on the disk, whatever the server's settings say.
     return Set("set synchronous_commit = on", error) && Set(kStatementTimeOut, error) &&
            (m_role == PostgresRole::Reader || Set("set idle_in_transaction_session_timeout = 20000", error)) &&
+           // All that we ask is found by a primary key. A plan that was made while a table was empty has to be good
+           // when it is full.
+           Set("set enable_seqscan = off", error) && Set("set enable_bitmapscan = off", error) &&
            Set("set session characteristics as transaction isolation level read committed", error);
 }
 

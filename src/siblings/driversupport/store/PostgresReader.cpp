@@ -14,6 +14,19 @@ namespace zr {
 namespace {
 
 constexpr const char* kBegin = "begin isolation level repeatable read read only";
+// The nearest before a time ($2, or $3 within the hour $2) and from it on, waiting and packed.
+constexpr const char* kSampleBefore =
+    "select time, value from sample where series = $1 and time < $2 order by time desc limit 1";
+constexpr const char* kSampleFrom =
+    "select time, value from sample where series = $1 and time >= $2 order by time limit 1";
+constexpr const char* kBlockBefore =
+    "select series, hour, samples, first_time, last_time, minimum, maximum, total, first_value, last_value, flags,"
+    " codec, checksum, payload from block where series = $1 and hour <= $2 and first_time < $3"
+    " order by hour desc limit 1";
+constexpr const char* kBlockFrom =
+    "select series, hour, samples, first_time, last_time, minimum, maximum, total, first_value, last_value, flags,"
+    " codec, checksum, payload from block where series = $1 and hour >= $2 and last_time >= $3 order by hour limit 1";
+
 constexpr int kCheckedAtOnce = 256;
 constexpr int kSeriesAtOnce = 1000;
 
@@ -130,20 +143,9 @@ bool PostgresReader::Next(const ZRBasicString& variable, std::int64_t time, Side
     if (!Begin(variable, series) || series.id == 0) {
         return false;
     }
-    const bool isBefore = side == Side::Before;
-    std::vector<PostgresStatement> statements = {
-        {isBefore ? "select time, value from sample where series = $1 and time < $2 order by time desc limit 1"
-                  : "select time, value from sample where series = $1 and time >= $2 order by time limit 1",
-         {}},
-        {isBefore
-             ? "select series, hour, samples, first_time, last_time, minimum, maximum, total, first_value, last_value,"
-               " flags, codec, checksum, payload from block where series = $1 and hour <= $2 and first_time < $3"
-               " order by hour desc limit 1"
-             : "select series, hour, samples, first_time, last_time, minimum, maximum, total, first_value, last_value,"
-               " flags, codec, checksum, payload from block where series = $1 and hour >= $2 and last_time >= $3"
-               " order by hour limit 1",
-         {}},
-        {"commit", {}}};
+    std::vector<PostgresStatement> statements = {{side == Side::Before ? kSampleBefore : kSampleFrom, {}},
+                                                 {side == Side::Before ? kBlockBefore : kBlockFrom, {}},
+                                                 {"commit", {}}};
     statements[0].values.Integer(series.id).Integer(time);
     statements[1].values.Integer(series.id).Integer(HourOf(time)).Integer(time);
     PostgresConnection::Results results;
@@ -152,31 +154,37 @@ bool PostgresReader::Next(const ZRBasicString& variable, std::int64_t time, Side
     }
     const bool hasWaiting = results[0].Rows() > 0;
     const bool hasBlock = results[1].Rows() > 0;
-    const LoggerSample waiting =
-        hasWaiting ? LoggerSample{results[0].Integer(0, 0), results[0].Double(0, 1)} : LoggerSample{};
     LoggerSample packed;
     if (hasBlock) {
         const PostgresBlock block = ReadPostgresBlock(results[1], 0);
-        if (!UnpackPostgresBlock(block, m_times, m_values)) {
+        if (!NextInBlock(block, time, side, packed)) {
             m_connection.SetError(PostgresBlockName(Utf16ToUtf8(variable), block.hour) + " is damaged");
             return false;
         }
-        auto place = std::lower_bound(m_times.begin(), m_times.end(), time);
-        if (isBefore ? place == m_times.begin() : place == m_times.end()) {
-            m_connection.SetError(PostgresBlockName(Utf16ToUtf8(variable), block.hour) +
-                                  " tells other times than it holds");
-            return false;
-        }
-        place -= isBefore ? 1 : 0;
-        packed = {*place, m_values[static_cast<std::size_t>(place - m_times.begin())]};
+        sample = packed;
     }
-    // At the same time the one that waits is the later one.
-    const bool isWaitingNext =
-        hasWaiting && (!hasBlock || (isBefore ? waiting.time >= packed.time : waiting.time <= packed.time));
-    if (hasWaiting || hasBlock) {
-        sample = isWaitingNext ? waiting : packed;
+    if (hasWaiting) {
+        const LoggerSample waiting{results[0].Integer(0, 0), results[0].Double(0, 1)};
+        // At the same time the one that waits is the later one.
+        const bool isNearer = side == Side::Before ? waiting.time >= packed.time : waiting.time <= packed.time;
+        sample = !hasBlock || isNearer ? waiting : packed;
     }
     return hasWaiting || hasBlock;
+}
+
+bool PostgresReader::NextInBlock(const PostgresBlock& block, std::int64_t time, Side side, LoggerSample& sample)
+{
+    if (!UnpackPostgresBlock(block, m_times, m_values)) {
+        return false;
+    }
+    auto place = std::lower_bound(m_times.begin(), m_times.end(), time);
+    // The block told that it has one.
+    if (place == (side == Side::Before ? m_times.begin() : m_times.end())) {
+        return false;
+    }
+    place -= side == Side::Before ? 1 : 0;
+    sample = {*place, m_values[static_cast<std::size_t>(place - m_times.begin())]};
+    return true;
 }
 
 std::int32_t PostgresReader::InfoCode(const ZRBasicString& variable)
@@ -263,7 +271,7 @@ bool PostgresReader::CheckAll(LoggerCheck& check, Progress* progress, bool& isCa
             }
         }
     }
-    return CountStrangers(check) && End();
+    return CountWaiting(check) && End();
 }
 
 bool PostgresReader::CheckBlocks(std::int64_t series, const std::string& variable, LoggerCheck& check)
@@ -296,7 +304,7 @@ bool PostgresReader::CheckBlocks(std::int64_t series, const std::string& variabl
 }
 
 // Counts the samples that wait; those of no series are found.
-bool PostgresReader::CountStrangers(LoggerCheck& check)
+bool PostgresReader::CountWaiting(LoggerCheck& check)
 {
     std::int64_t series = std::numeric_limits<std::int64_t>::min();
     for (;;) {

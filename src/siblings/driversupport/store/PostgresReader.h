@@ -10,6 +10,8 @@
 
 namespace zr {
 
+struct PostgresBlock;
+
 // Connects at the first call, and again at the next when the connection is lost. What one call reads is of one moment.
 // Blocks up to the limits of PostgresConnection.
 class PostgresReader final : public LoggerReader {
@@ -39,9 +41,11 @@ private:
     bool End();
     // Reads the samples next to a time, of the two tables; false when there is none, or on failure.
     bool Next(const ZRBasicString& variable, std::int64_t time, Side side, LoggerSample& sample);
+    // The nearest of a block; false when it is damaged.
+    bool NextInBlock(const PostgresBlock& block, std::int64_t time, Side side, LoggerSample& sample);
     bool CheckAll(LoggerCheck& check, Progress* progress, bool& isCancelled);
     bool CheckBlocks(std::int64_t series, const std::string& variable, LoggerCheck& check);
-    bool CountStrangers(LoggerCheck& check);
+    bool CountWaiting(LoggerCheck& check);
 
     PostgresConnection m_connection;
     bool m_hasStore = false;  // on this connection

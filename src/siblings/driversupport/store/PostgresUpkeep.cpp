@@ -12,6 +12,7 @@ namespace {
 using Upkeep = LoggerStore::Upkeep;
 
 constexpr std::chrono::milliseconds kSlice{50};
+constexpr std::chrono::milliseconds kLongPass{20};  // for one transaction of a slice
 constexpr std::size_t kSeriesAtOnce = 16;
 constexpr int kMostHoursAtOnce = 96;
 constexpr int kFoundAtOnce = 500;
@@ -19,6 +20,7 @@ constexpr int kRetainedAtOnce = 10;
 constexpr int kCheckedAtOnce = 16;
 constexpr std::size_t kMostTold = 1000;
 constexpr std::int64_t kMostDays = 1000000;
+constexpr std::int64_t kDayHours = 24;
 
 constexpr const char* kLock = "select value from meta where name = 'pack' for update";
 
@@ -134,9 +136,9 @@ bool PostgresUpkeep::Pack()
         return false;
     }
     const auto taken = std::chrono::steady_clock::now() - begin;
-    if (taken > kSlice) {
+    if (taken > kLongPass) {
         m_hoursAtOnce = std::max(m_hoursAtOnce / 2, 1);
-    } else if (taken < kSlice / 2) {
+    } else if (taken < kLongPass / 4) {
         m_hoursAtOnce = std::min(m_hoursAtOnce * 2, kMostHoursAtOnce);
     }
     return true;
@@ -266,9 +268,58 @@ std::vector<PostgresStatement> PostgresUpkeep::Merge(Pass& pass)
     return statements;
 }
 
+// A clock that is set years ahead may not empty the store: what retention goes by follows a day at a time, and so once
+// an hour. Of a store that was never kept up the samples themselves tell what time it is, to a day.
+bool PostgresUpkeep::MoveReference()
+{
+    const std::vector<PostgresStatement> lock = {Statement("begin"), Statement(kLock),
+                                                 Statement("select value from meta where name = 'reference'")};
+    PostgresConnection::Results results;
+    if (!m_connection.Run(lock, results)) {
+        return false;
+    }
+    std::int64_t before = *m_hour;
+    if (results[2].Rows() == 1) {
+        before = results[2].Integer(0, 0);
+    } else if (!FindNewest(before)) {
+        return false;
+    }
+    m_reference = std::min(*m_hour, before + kDayHours);
+    const std::vector<PostgresStatement> write = {Statement("insert into meta (name, value) values ('reference', $1)"
+                                                            " on conflict (name) do update set value = excluded.value",
+                                                            m_reference),
+                                                  Statement("commit")};
+    return m_connection.Run(write);
+}
+
+// Leaves the hour as it is when there are no samples.
+bool PostgresUpkeep::FindNewest(std::int64_t& hour)
+{
+    const PostgresStatement find = Statement(
+        "select max(f.hour), max(f.time) from (select (select max(b.hour) from block b where b.series = s.id) as hour,"
+        " (select max(p.time) from sample p where p.series = s.id) as time from series s) f");
+    PostgresConnection::Results results;
+    if (!m_connection.Run({&find, 1}, results)) {
+        return false;
+    }
+    const bool hasBlock = !results[0].IsNull(0, 0);
+    const bool hasSample = !results[0].IsNull(0, 1);
+    const std::int64_t block = results[0].Integer(0, 0);
+    const std::int64_t sample = HourOf(results[0].Integer(0, 1));
+    if (hasBlock || hasSample) {
+        hour = !hasSample ? block : !hasBlock ? sample : std::max(block, sample);
+    }
+    return true;
+}
+
 bool PostgresUpkeep::Retain()
 {
-    constexpr std::int64_t kDay = 24 * kHourMicros;
+    if (m_referenceMoved != m_hour) {
+        if (!MoveReference()) {
+            return false;
+        }
+        m_referenceMoved = m_hour;
+    }
     PostgresConnection::Results kept;
     const PostgresStatement find = Statement(
         "select d.series, max(s.retention) from data_set_series d join data_set s on s.name = d.data_set"
@@ -278,22 +329,26 @@ bool PostgresUpkeep::Retain()
         return false;
     }
     const int rows = kept[0].Rows();
-    std::vector<PostgresStatement> statements = {Statement("begin"), Statement(kLock)};
-    for (int row = 0; row < rows; ++row) {
-        const std::int64_t series = kept[0].Integer(row, 0);
-        const std::int64_t days = std::min(kept[0].Integer(row, 1), kMostDays);
-        const std::int64_t first = *m_hour - days * kDay / kHourMicros;
-        statements.push_back(Statement("delete from block where series = $1 and hour < $2", series, first));
-        statements.push_back(
-            Statement("delete from sample where series = $1 and time < $2", series, FirstTimeOf(first)));
-    }
-    statements.push_back(Statement("commit"));
-    if (rows > 0 && !m_connection.Run(statements)) {
+    if (rows > 0 && !Drop(kept[0])) {
         return false;
     }
     m_isRetained = rows < kRetainedAtOnce;
     m_lastRetained = m_isRetained ? 0 : kept[0].Integer(rows - 1, 0);
     return true;
+}
+
+bool PostgresUpkeep::Drop(const PostgresResult& kept)
+{
+    std::vector<PostgresStatement> statements = {Statement("begin"), Statement(kLock)};
+    for (int row = 0; row < kept.Rows(); ++row) {
+        const std::int64_t series = kept.Integer(row, 0);
+        const std::int64_t first = m_reference - std::min(kept.Integer(row, 1), kMostDays) * kDayHours;
+        statements.push_back(Statement("delete from block where series = $1 and hour < $2", series, first));
+        statements.push_back(
+            Statement("delete from sample where series = $1 and time < $2", series, FirstTimeOf(first)));
+    }
+    statements.push_back(Statement("commit"));
+    return m_connection.Run(statements);
 }
 
 bool PostgresUpkeep::Check()

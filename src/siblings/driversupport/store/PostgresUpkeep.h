@@ -54,7 +54,10 @@ private:
     bool TakeSamples(Pass& pass);
     bool WriteBlocks(Pass& pass);
     std::vector<PostgresStatement> Merge(Pass& pass);
+    bool MoveReference();
+    bool FindNewest(std::int64_t& hour);
     bool Retain();
+    bool Drop(const PostgresResult& kept);
     bool Check();
     void Tell(std::int64_t series, std::int64_t hour, const std::string& finding);
 
@@ -65,9 +68,11 @@ private:
     std::vector<Waiting> m_waiting;
     std::int64_t m_lastFound = 0;  // series up to this one were looked at
     bool m_hasFoundAll = false;
-    bool m_hasLate = false;  // since this look at all series began
-    int m_hoursAtOnce = 4;   // grows and shrinks with the time that they take
-    std::int64_t m_lastRetained = 0;
+    bool m_hasLate = false;                                     // since this look at all series began
+    int m_hoursAtOnce = 4;                                      // grows and shrinks with the time that they take
+    std::int64_t m_lastRetained = 0;                            // series up to this one were looked at
+    std::int64_t m_reference = 0;                               // the hour that retention goes by
+    std::optional<std::int64_t> m_referenceMoved;               // in this hour
     std::pair<std::int64_t, std::int64_t> m_lastChecked{0, 0};  // series and hour
     std::vector<std::int64_t> m_times;
     std::vector<double> m_values;

@@ -62,9 +62,10 @@ SqliteBlockSource::SqliteBlockSource(SqliteConnection& connection)
 {
 }
 
-SqliteBlockReading::SqliteBlockReading(SqliteBlockSource& source, std::int64_t series, std::int64_t from,
-                                       std::int64_t to, LoggerBlockVisitor& visitor)
-    : m_source(source),
+SqliteBlockReading::SqliteBlockReading(SqliteConnection& connection, SqliteBlockSource& source, std::int64_t series,
+                                       std::int64_t from, std::int64_t to, LoggerBlockVisitor& visitor)
+    : m_connection(connection),
+      m_source(source),
       m_series(series),
       m_from(from),
       m_to(to),
@@ -110,6 +111,29 @@ void SqliteBlockReading::TakeWaiting(const UnpackedSamples::Series& waiting)
 
 bool SqliteBlockReading::ReadRows(std::int64_t firstHour, std::int64_t lastHour)
 {
+    // What a damaged page held is not known: the way across is felt for in steps that double.
+    for (std::int64_t step = 1; firstHour <= lastHour; step *= 2) {
+        const std::int64_t before = firstHour;
+        const SqliteStep end = ReadRun(firstHour, lastHour);
+        m_source.readBlocks.Reset();
+        if (end == SqliteStep::Done) {
+            return true;
+        }
+        if (end == SqliteStep::Row) {
+            return false;
+        }
+        if (!IsDamaged(firstHour)) {
+            return Ended(Result::Failed);
+        }
+        step = firstHour != before ? 1 : step;
+        firstHour += step;
+    }
+    return true;
+}
+
+// Row: the visitor has ended it.
+SqliteStep SqliteBlockReading::ReadRun(std::int64_t& firstHour, std::int64_t lastHour)
+{
     SqliteStatement& rows = m_source.readBlocks;
     rows.Bind(1, m_series);
     rows.Bind(2, firstHour);
@@ -117,26 +141,42 @@ bool SqliteBlockReading::ReadRows(std::int64_t firstHour, std::int64_t lastHour)
     SqliteStep step = rows.Step();
     for (; step == SqliteStep::Row; step = rows.Step()) {
         const std::int64_t hour = rows.Integer(3);
+        // Rows of a page that lies in a wrong place.
+        if (hour < firstHour || hour > lastHour) {
+            m_damagedHour = m_damagedHour.value_or(firstHour);
+            continue;
+        }
         const StoredSummary* const stored = FindSummary(hour);
         if (!Show(hour, stored != nullptr ? &stored->summary : nullptr, &rows)) {
-            return false;
+            break;
         }
+        firstHour = hour + 1;
     }
-    rows.Reset();
-    return step == SqliteStep::Done || Ended(Result::Failed);
+    return step;
+}
+
+bool SqliteBlockReading::IsDamaged(std::int64_t hour)
+{
+    const bool isDamaged = m_connection.Fault() == SqliteFault::Damaged;
+    if (isDamaged && !m_damagedHour.has_value()) {
+        m_damagedHour = hour;
+    }
+    return isDamaged;
 }
 
 // From the digest of its day, which is read on the way.
 const StoredSummary* SqliteBlockReading::FindSummary(std::int64_t hour)
 {
     const std::int64_t day = DayOf(hour);
-    while ((!m_hasDigest || m_digestDay < day) && m_source.readDigests.Step() == SqliteStep::Row) {
+    while (m_hasMoreDigests && (!m_hasDigest || m_digestDay < day)) {
+        m_hasMoreDigests = m_source.readDigests.Step() == SqliteStep::Row;
+        if (!m_hasMoreDigests) {
+            return nullptr;
+        }
         m_digestDay = m_source.readDigests.Integer(0);
         m_hasDigest = true;
-        if (m_digestDay == day) {
-            m_digest = DayDigest(m_series, day);
-            m_digest.Decode(m_source.readDigests.Bytes(1));
-        }
+        m_digest = DayDigest(m_series, m_digestDay);
+        m_digest.Decode(m_source.readDigests.Bytes(1));
     }
     return m_hasDigest && m_digestDay == day ? m_digest.Find(hour) : nullptr;
 }
@@ -144,26 +184,23 @@ const StoredSummary* SqliteBlockReading::FindSummary(std::int64_t hour)
 bool SqliteBlockReading::ReadDays()
 {
     SqliteStatement& days = m_source.readDigests;
+    std::int64_t nextHour = m_firstHour;
+    // Where a day can't tell, its blocks do.
+    m_hasMoreDigests = false;
     SqliteStep step = days.Step();
     for (; step == SqliteStep::Row; step = days.Step()) {
-        const std::int64_t day = days.Integer(0);
-        DayDigest digest(m_series, day);
-        if (digest.Decode(days.Bytes(1))) {
-            if (!ReadDay(digest)) {
-                return false;
-            }
-            continue;
-        }
-        // The blocks themselves tell.
-        m_hasDigest = true;
-        m_digestDay = day;
-        m_digest = digest;
-        if (!ReadRows(std::max(m_firstHour, digest.FirstHour()),
-                      std::min(m_lastHour, digest.FirstHour() + kHoursOfDay - 1))) {
+        DayDigest digest(m_series, days.Integer(0));
+        const bool isWhole = digest.Decode(days.Bytes(1));
+        nextHour = digest.FirstHour() + kHoursOfDay;
+        if (!(isWhole ? ReadDay(digest)
+                      : ReadRows(std::max(m_firstHour, digest.FirstHour()), std::min(m_lastHour, nextHour - 1)))) {
             return false;
         }
     }
-    return step == SqliteStep::Done || Ended(Result::Failed);
+    if (step == SqliteStep::Failed) {
+        return IsDamaged(nextHour) ? ReadRows(std::max(m_firstHour, nextHour), m_lastHour) : Ended(Result::Failed);
+    }
+    return true;
 }
 
 bool SqliteBlockReading::ReadDay(const DayDigest& digest)
@@ -184,7 +221,7 @@ bool SqliteBlockReading::Show(std::int64_t hour, const LoggerSummary* summary, S
             return false;
         }
         if (m_nextWaiting < m_waiting.size() && HourOf(m_waiting[m_nextWaiting].time) == hour) {
-            return (Unpack(hour, row) || m_result == Result::Damaged) && ShowMerged(hour, true);
+            return (Unpack(hour, row) || m_result == Result::Done) && ShowMerged(hour, true);
         }
     }
     Stored block(*this, hour, row);
@@ -195,7 +232,8 @@ bool SqliteBlockReading::Show(std::int64_t hour, const LoggerSummary* summary, S
     std::span<const std::int64_t> times;
     std::span<const double> values;
     if (!block.Samples(times, values)) {
-        return m_result == Result::Damaged;
+        // Nobody can tell what it held.
+        return m_result == Result::Done;
     }
     block.summary = SummariseBlock(times, values).summary;
     return Give(block);
@@ -239,21 +277,23 @@ bool SqliteBlockReading::Give(LoggerBlock& block)
 bool SqliteBlockReading::Unpack(std::int64_t hour, SqliteStatement* row)
 {
     SqliteStatement& statement = row != nullptr ? *row : m_source.readBlock;
+    bool isRead = true;
     if (row == nullptr) {
         statement.Reset();
         statement.Bind(1, m_series);
         statement.Bind(2, hour);
-        if (statement.Step() == SqliteStep::Failed) {
+        const SqliteStep step = statement.Step();
+        if (step == SqliteStep::Failed && !IsDamaged(hour)) {
             return Ended(Result::Failed);
         }
+        isRead = step == SqliteStep::Row;
     }
-    const bool isUnpacked = UnpackBlock(m_series, hour, statement.Integer(0), statement.Integer(1), statement.Bytes(2),
-                                        m_source.times, m_source.values);
+    const bool isUnpacked = isRead && UnpackBlock(m_series, hour, statement.Integer(0), statement.Integer(1),
+                                                  statement.Bytes(2), m_source.times, m_source.values);
     if (!isUnpacked) {
         m_source.times.clear();
         m_source.values.clear();
-        m_damagedHour = hour;
-        m_result = Result::Damaged;
+        m_damagedHour = m_damagedHour.value_or(hour);
     }
     return isUnpacked;
 }

@@ -7,6 +7,7 @@
 #include "siblings/driversupport/store/UnpackedSamples.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace zr {
@@ -24,25 +25,28 @@ struct SqliteBlockSource {
 
 class SqliteBlockReading {
 public:
-    enum class Result { Done, Ended, Failed, Damaged };
+    enum class Result { Done, Ended, Failed };
 
-    SqliteBlockReading(SqliteBlockSource& source, std::int64_t series, std::int64_t from, std::int64_t to,
-                       LoggerBlockVisitor& visitor);
+    SqliteBlockReading(SqliteConnection& connection, SqliteBlockSource& source, std::int64_t series, std::int64_t from,
+                       std::int64_t to, LoggerBlockVisitor& visitor);
     ~SqliteBlockReading();
     SqliteBlockReading(const SqliteBlockReading&) = delete;
     SqliteBlockReading& operator=(const SqliteBlockReading&) = delete;
 
-    // Waiting may be null. Damaged: all was shown but an hour whose summary nobody can tell; DamagedHour() tells which.
+    // Waiting may be null. Done as well when something was damaged on the way: what lies beyond is shown.
     Result Run(LoggerNeed need, const UnpackedSamples::Series* waiting);
-    [[nodiscard]] std::int64_t DamagedHour() const { return m_damagedHour; }
+    // The first hour that was found damaged.
+    [[nodiscard]] std::optional<std::int64_t> DamagedHour() const { return m_damagedHour; }
 
 private:
     class Stored;
     friend class Stored;
 
     void TakeWaiting(const UnpackedSamples::Series& waiting);
-    // Row by row; what is asked of a row later is at hand.
+    // Row by row; what is asked of a row later is at hand. A damaged page is passed over.
     bool ReadRows(std::int64_t firstHour, std::int64_t lastHour);
+    // Moves the first hour behind what was shown.
+    SqliteStep ReadRun(std::int64_t& firstHour, std::int64_t lastHour);
     // Day by day; a row is only read when its samples are asked for.
     bool ReadDays();
     bool ReadDay(const DayDigest& digest);
@@ -54,7 +58,10 @@ private:
     bool Give(LoggerBlock& block);
     bool Unpack(std::int64_t hour, SqliteStatement* row);
     bool Ended(Result result);
+    // True when it is damage that makes a step fail, which is then noted.
+    bool IsDamaged(std::int64_t hour);
 
+    SqliteConnection& m_connection;
     SqliteBlockSource& m_source;
     const std::int64_t m_series;
     const std::int64_t m_from;
@@ -67,8 +74,9 @@ private:
     DayDigest m_digest;
     std::int64_t m_digestDay = 0;
     bool m_hasDigest = false;
+    bool m_hasMoreDigests = true;
     Result m_result = Result::Done;
-    std::int64_t m_damagedHour = 0;
+    std::optional<std::int64_t> m_damagedHour;
 };
 
 }  // namespace zr

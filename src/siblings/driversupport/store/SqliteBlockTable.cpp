@@ -1,6 +1,7 @@
 #include "siblings/driversupport/store/SqliteBlockTable.h"
 
 #include "siblings/driversupport/store/BlockCodec.h"
+#include "siblings/driversupport/store/SqliteStoreCheck.h"
 
 #include <algorithm>
 
@@ -44,8 +45,8 @@ bool SqliteBlockTable::Merge(std::int64_t series, std::int64_t hour, std::span<c
     }
     MergeSamples(samples, m_times, m_values);
     if (m_times.size() > kMaxBlockSamples) {
-        m_findings.push_back("series " + std::to_string(series) + " has more samples in an hour than a block holds: " +
-                             std::to_string(m_times.size() - kMaxBlockSamples) + " were dropped");
+        Tell(series, hour,
+             std::to_string(m_times.size() - kMaxBlockSamples) + " samples more than a block holds were dropped");
         m_times.resize(kMaxBlockSamples);
         m_values.resize(kMaxBlockSamples);
     }
@@ -63,13 +64,17 @@ bool SqliteBlockTable::ReadBlock(std::int64_t series, std::int64_t hour)
     if (step == SqliteStep::Row && !UnpackBlock(series, hour, m_readBlock.Integer(0), m_readBlock.Integer(1),
                                                 m_readBlock.Bytes(2), m_times, m_values)) {
         // What can't be read any more may not stop the recording.
-        m_findings.push_back("the block of series " + std::to_string(series) + " at hour " + std::to_string(hour) +
-                             " was damaged; newer samples took its place");
+        Tell(series, hour, "its samples were damaged; newer ones took their place");
         m_times.clear();
         m_values.clear();
     }
     m_readBlock.Reset();
     return step != SqliteStep::Failed;
+}
+
+void SqliteBlockTable::Tell(std::int64_t series, std::int64_t hour, const std::string& what)
+{
+    m_findings.push_back(NameOfSeries(m_connection, series) + ", block of " + TextOfHour(hour) + ": " + what);
 }
 
 bool SqliteBlockTable::Write(std::int64_t series, std::int64_t hour, const PackedBlock& block)
@@ -111,8 +116,8 @@ bool SqliteBlockTable::RemoveBefore(std::int64_t series, std::int64_t hour, std:
     }
     m_removeBefore.Bind(1, series);
     m_removeBefore.Bind(2, end);
-    if (!m_removeBefore.Run() || !m_connection.ReadInteger("SELECT changes()", removed) || removed == 0) {
-        return m_connection.Fault() == SqliteFault::None;
+    if (!m_removeBefore.Run() || !m_connection.ReadInteger("SELECT changes()", removed)) {
+        return false;
     }
     SqliteStatement removeDays = m_connection.Prepare("DELETE FROM digest WHERE series = ? AND day < ?");
     removeDays.Bind(1, series);
@@ -178,7 +183,9 @@ bool SqliteBlockTable::RebuildDigest(std::int64_t series, DayDigest& digest)
     std::vector<double> values;
     for (; step == SqliteStep::Row; step = read.Step()) {
         const std::int64_t hour = read.Integer(0);
-        if (UnpackBlock(series, hour, read.Integer(1), read.Integer(2), read.Bytes(3), times, values)) {
+        // A row of a damaged page may be of another day.
+        if (DayOf(hour) == DayOf(digest.FirstHour()) &&
+            UnpackBlock(series, hour, read.Integer(1), read.Integer(2), read.Bytes(3), times, values)) {
             digest.Put(hour, SummariseBlock(times, values));
         }
     }

@@ -38,6 +38,7 @@ private:
     DayDigest* DigestOf(std::int64_t series, std::int64_t day);
     bool RebuildDigest(std::int64_t series, DayDigest& digest);
     bool ReadBlock(std::int64_t series, std::int64_t hour);
+    void Tell(std::int64_t series, std::int64_t hour, const std::string& what);
     bool Write(std::int64_t series, std::int64_t hour, const PackedBlock& block);
 
     SqliteConnection& m_connection;

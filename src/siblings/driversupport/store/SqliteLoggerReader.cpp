@@ -174,14 +174,14 @@ bool SqliteLoggerReader::ReadBlocks(const ZRBasicString& variable, std::int64_t 
         return true;
     }
     using Result = SqliteBlockReading::Result;
-    SqliteBlockReading reading(m_session->source, series, from, to, visitor);
+    SqliteBlockReading reading(m_session->connection, m_session->source, series, from, to, visitor);
     const Result result = reading.Run(need, m_session->unpacked.Find(series));
     if (result == Result::Failed) {
         return Fail();
     }
-    if (result == Result::Damaged) {
+    if (reading.DamagedHour().has_value()) {
         m_error = TextOfPath(m_path) + ": " + Utf8From16(variable.Text()) + ", block of " +
-                  TextOfHour(reading.DamagedHour()) + ": its samples are damaged";
+                  TextOfHour(*reading.DamagedHour()) + ": its samples are damaged";
     }
     return result == Result::Done;
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace zr {
 
@@ -90,7 +91,12 @@ bool SqliteLoggerStore::Ready()
         return true;
     }
     if (m_session != nullptr) {
+        if (!m_session->file->IsCurrent()) {
+            // A file that was moved away may come back: what the log has of it goes with it, since the log can't.
+            m_session->connection.Run("PRAGMA wal_checkpoint(TRUNCATE)");
+        }
         m_session->file->RemoveRemains();
+        m_findings = TakeFindings();
         m_session.reset();
     }
     std::unique_ptr<SqliteStoreFile> file =
@@ -333,7 +339,10 @@ LoggerStore::Upkeep SqliteLoggerStore::Maintain(std::int64_t now)
 
 std::vector<std::string> SqliteLoggerStore::TakeFindings()
 {
-    std::vector<std::string> findings = m_upkeep->TakeFindings();
+    std::vector<std::string> findings = std::exchange(m_findings, {});
+    for (std::string& finding : m_upkeep->TakeFindings()) {
+        findings.push_back(std::move(finding));
+    }
     if (m_session != nullptr) {
         for (std::string& finding : m_session->blocks.TakeFindings()) {
             findings.push_back(TextOfPath(m_path) + ": " + finding);

@@ -64,6 +64,7 @@ private:
     std::unordered_map<ZRBasicString, int> m_names;
     std::unique_ptr<SqliteUpkeep> m_upkeep;
     std::unique_ptr<SqliteSession> m_session;  // null while the file isn't open
+    std::vector<std::string> m_findings;       // of files that were closed since
     bool m_isBroken = false;                   // it is to be opened anew
     std::string m_error;
 };

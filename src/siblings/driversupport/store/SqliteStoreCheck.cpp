@@ -133,6 +133,14 @@ bool CheckBlocks(SqliteConnection& connection, const std::string& file, LoggerCh
 
 }  // namespace
 
+std::string NameOfSeries(SqliteConnection& connection, std::int64_t series)
+{
+    SqliteStatement read = connection.Prepare("SELECT variable FROM series WHERE series = ?");
+    read.Bind(1, series);
+    const bool isKnown = read.Step() == SqliteStep::Row;
+    return isKnown ? std::string(read.Text(0)) : "unknown series " + std::to_string(series);
+}
+
 std::string TextOfHour(std::int64_t hour)
 {
     using namespace std::chrono;
@@ -147,12 +155,12 @@ std::string TextOfHour(std::int64_t hour)
 }
 
 SqliteBlockChecker::SqliteBlockChecker(SqliteConnection& connection, std::string file)
-    : m_file(std::move(file)),
+    : m_connection(connection),
+      m_file(std::move(file)),
       m_readBlocks(connection.Prepare(
           "SELECT series, hour, count, codec, decimals, minimum, maximum, sum, first, last, checksum, payload "
           "FROM block WHERE (series, hour) > (?, ?) ORDER BY series, hour LIMIT ?")),
-      m_readDigest(connection.Prepare("SELECT summaries FROM digest WHERE series = ? AND day = ?")),
-      m_readName(connection.Prepare("SELECT variable FROM series WHERE series = ?"))
+      m_readDigest(connection.Prepare("SELECT summaries FROM digest WHERE series = ? AND day = ?"))
 {
 }
 
@@ -183,7 +191,8 @@ void SqliteBlockChecker::CheckRow(LoggerCheck& check)
     ++check.blocks;
     check.packed += static_cast<std::size_t>(std::max<std::int64_t>(0, m_readBlocks.Integer(2)));
     if (!fault.empty()) {
-        check.findings.push_back(m_file + ": " + NameOf(series) + ", block of " + TextOfHour(hour) + ": " + fault);
+        check.findings.push_back(m_file + ": " + NameOfSeries(m_connection, series) + ", block of " + TextOfHour(hour) +
+                                 ": " + fault);
     }
 }
 
@@ -220,15 +229,6 @@ const StoredSummary* SqliteBlockChecker::FindSummary(std::int64_t series, std::i
         m_readDigest.Reset();
     }
     return m_digest.Find(hour);
-}
-
-std::string SqliteBlockChecker::NameOf(std::int64_t series)
-{
-    m_readName.Bind(1, series);
-    const bool isKnown = m_readName.Step() == SqliteStep::Row;
-    std::string name = isKnown ? std::string(m_readName.Text(0)) : "unknown series " + std::to_string(series);
-    m_readName.Reset();
-    return name;
 }
 
 bool CheckSqliteStore(SqliteConnection& connection, const std::string& file, LoggerCheck& check, Progress* progress)

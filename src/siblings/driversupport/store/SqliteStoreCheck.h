@@ -26,12 +26,11 @@ private:
     // What is wrong with the block of the row; empty when nothing is.
     std::string FaultOf(std::int64_t series, std::int64_t hour);
     const StoredSummary* FindSummary(std::int64_t series, std::int64_t hour);
-    std::string NameOf(std::int64_t series);
 
+    SqliteConnection& m_connection;
     const std::string m_file;
     SqliteStatement m_readBlocks;
     SqliteStatement m_readDigest;
-    SqliteStatement m_readName;
     DayDigest m_digest;
     std::int64_t m_digestSeries = -1;
     std::int64_t m_digestDay = 0;
@@ -43,6 +42,8 @@ private:
 // finding.
 bool CheckSqliteStore(SqliteConnection& connection, const std::string& file, LoggerCheck& check, Progress* progress);
 
+// The variable of a series, or words for one that there is none of.
+std::string NameOfSeries(SqliteConnection& connection, std::int64_t series);
 // "2022-12-16 17:00 UTC"
 std::string TextOfHour(std::int64_t hour);
 

@@ -23,6 +23,22 @@ bool MakeFile(const std::filesystem::path& path, std::string& why)
     return (folder.empty() || MakePrivateFolder(folder, why)) && MakePrivateFile(path, why);
 }
 
+// The system gives what it makes beside a file the modes that the file has then. When it could not be written, they
+// can't either, and they stay so when it can.
+void ShareModes(const std::filesystem::path& path)
+{
+    std::error_code error;
+    const std::filesystem::perms modes = std::filesystem::status(path, error).permissions();
+    for (const char* const suffix : {"-wal", "-shm"}) {
+        const std::filesystem::path beside = Beside(path, suffix);
+        if (!error && std::filesystem::is_regular_file(std::filesystem::symlink_status(beside, error)) &&
+            std::filesystem::status(beside, error).permissions() != modes) {
+            std::filesystem::permissions(beside, modes, error);
+        }
+        error.clear();
+    }
+}
+
 }  // namespace
 
 std::unique_ptr<SqliteStoreFile> SqliteStoreFile::Open(const std::filesystem::path& path,
@@ -64,9 +80,12 @@ bool SqliteStoreFile::Connect(const SqliteStoreOptions& options, Use use, std::s
 bool SqliteStoreFile::ConnectToWrite(const SqliteStoreOptions& options, std::string& why)
 {
     m_isFull = options.synchronous == SqliteStoreOptions::Synchronous::Full;
+    std::int64_t pages = 0;
+    ShareModes(m_path);
     return m_connection.Open(m_path, SqliteConnection::Access::ReadWrite, options.vfs) &&
-           // Both count before there is a table only.
-           m_connection.Run("PRAGMA page_size = 4096; PRAGMA auto_vacuum = INCREMENTAL") &&
+           m_connection.ReadInteger("PRAGMA page_count", pages) &&
+           // Both are for a new file; in one that is in use the second would be a write.
+           (pages != 0 || m_connection.Run("PRAGMA page_size = 4096; PRAGMA auto_vacuum = INCREMENTAL")) &&
            m_connection.Run("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 16777216") && SetWaiting(true) &&
            PrepareSqliteSchema(m_connection, why);
 }

@@ -23,6 +23,8 @@ constexpr std::int64_t kBlocksDroppedAtATime = 500;
 constexpr std::int64_t kBlocksCheckedAtATime = 50;
 // The clock that retention goes by follows the one of the caller at so many times its pace, but for a step of a day.
 constexpr std::int64_t kReferencePace = 24;
+// In days; beyond it times have no number.
+constexpr std::int64_t kLongestRetention = 10000000;
 // Pages of 4 KiB that stay free for what is to come.
 constexpr std::int64_t kFreePagesKept = 4096;
 
@@ -32,6 +34,9 @@ LoggerStore::Upkeep SqliteUpkeep::Run(SqliteSession& session, std::int64_t now)
 {
     m_end = CurrentClock().Steady() + kSlice;
     if (!Pack(session, now)) {
+        // What the pass did last was rolled back: it may not go on from there.
+        m_pass.reset();
+        m_lastPass.reset();
         return LoggerStore::Upkeep::Failed;
     }
     if (m_pass.has_value()) {
@@ -185,7 +190,8 @@ bool SqliteUpkeep::ListRetentions(SqliteSession& session, std::int64_t now)
         "GROUP BY v.series HAVING min(d.retention) > 0");
     SqliteStep step = read.Step();
     for (; step == SqliteStep::Row; step = read.Step()) {
-        m_retentions.push_back({read.Integer(0), HourOf(now - read.Integer(1) * kDayMicros)});
+        const std::int64_t days = std::clamp<std::int64_t>(read.Integer(1), 1, kLongestRetention);
+        m_retentions.push_back({read.Integer(0), HourOf(now - days * kDayMicros)});
     }
     return step == SqliteStep::Done;
 }
@@ -216,7 +222,7 @@ bool SqliteUpkeep::MoveReference(SqliteSession& session, std::int64_t now, std::
 {
     SqliteStatement read = session.connection.Prepare("SELECT time FROM reference");
     const SqliteStep step = read.Step();
-    const std::int64_t before = step == SqliteStep::Row ? read.Integer(0) : 0;
+    const std::int64_t before = step == SqliteStep::Row ? std::max<std::int64_t>(0, read.Integer(0)) : 0;
     read.Reset();
     if (step == SqliteStep::Failed) {
         return false;
@@ -246,17 +252,13 @@ bool SqliteUpkeep::MoveReference(SqliteSession& session, std::int64_t now, std::
 // A store that was never kept up: its own samples tell what time it is, to a day.
 bool SqliteUpkeep::FirstReference(SqliteSession& session, std::int64_t now, std::int64_t& reference)
 {
-    std::int64_t lastHour = 0;
     SqliteStatement read = session.connection.Prepare(
         "SELECT max(hour) FROM (SELECT (SELECT max(hour) FROM block b WHERE b.series = s.series) AS hour FROM series "
         "s)");
     const SqliteStep step = read.Step();
-    if (step == SqliteStep::Row && !read.IsNull(0)) {
-        lastHour = read.Integer(0);
-        reference = std::min(now, StartOfHour(lastHour) + kHourMicros + kDayMicros);
-    } else {
-        reference = now;
-    }
+    const std::int64_t lastHour = step == SqliteStep::Row ? read.Integer(0) : 0;
+    const bool isBehind = step == SqliteStep::Row && !read.IsNull(0) && lastHour < HourOf(now);
+    reference = isBehind ? std::min(now, StartOfHour(lastHour) + kHourMicros + kDayMicros) : now;
     return step != SqliteStep::Failed;
 }
 

@@ -9,4 +9,9 @@ std::unique_ptr<LoggerStore> OpenPostgresLoggerStore(const std::string&, std::st
     return nullptr;
 }
 
+std::string PostgresServerName(const std::string&)
+{
+    return "PostgreSQL";
+}
+
 }  // namespace zr

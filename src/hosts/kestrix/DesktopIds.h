@@ -131,6 +131,28 @@ inline constexpr unsigned kTextSelectValue = 40186;
 inline constexpr unsigned kTextErrorPrint = 40187;
 inline constexpr unsigned kTextReadAgain = 40188;
 
+// Windows on logged data.
+inline constexpr unsigned kTextLoggedMenu = 40200;
+inline constexpr unsigned kTextLoggedTitle = 40201;
+inline constexpr unsigned kTextLoggedRecords = 40202;
+inline constexpr unsigned kTextLoggedOneRecord = 40203;
+inline constexpr unsigned kTextLoggedWindow = 40204;
+inline constexpr unsigned kTextLoggedEveryRecord = 40205;
+inline constexpr unsigned kTextLoggedReduced = 40206;
+inline constexpr unsigned kTextLoggedStopped = 40207;
+inline constexpr unsigned kTextLoggedCopy = 40208;
+inline constexpr unsigned kTextLoggedPreview = 40209;
+inline constexpr unsigned kTextLoggedExport = 40210;
+inline constexpr unsigned kTextLoggedCsv = 40211;
+inline constexpr unsigned kTextLoggedXlsx = 40212;
+inline constexpr unsigned kTextLoggedPdf = 40213;
+inline constexpr unsigned kTextLoggedNotExported = 40214;
+inline constexpr unsigned kTextLoggedExported = 40215;
+inline constexpr unsigned kTextLoggedOffset = 40216;
+inline constexpr unsigned kTextLoggedNothingPrinted = 40217;
+inline constexpr unsigned kTextLoggedNone = 40218;
+inline constexpr unsigned kTextTipLoggedData = 40219;
+
 // The page of logged data.
 inline constexpr unsigned kTextLoggedData = 40320;
 inline constexpr unsigned kTextLoggedRecording = 40321;

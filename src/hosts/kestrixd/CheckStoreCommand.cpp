@@ -87,6 +87,13 @@ int Check(const std::string& title, LoggerStore& store)
         isDone = reader->Check(check, &progress);
         isCancelled = progress.IsCancelled();
     }
+    if (isDone && check.series == 0 && !check.findings.empty()) {
+        // Nothing of it could be read.
+        for (const std::string& finding : check.findings) {
+            fmt::print(stderr, "{}\n", finding);
+        }
+        return kCommandFailed;
+    }
     if (isDone) {
         return Report(title, *reader, check);
     }

@@ -59,7 +59,7 @@ void AddOptions(CLI::App& app, Words& words)
         ->capture_default_str();
     app.footer(
         "Times are local with their offset from UTC. Units stand in the header row where --document tells them.\n"
-        "Exit status: 0 exported, 2 failed, 130 cancelled (no file is written).");
+        "Exit status: 0 exported, 1 exported but for what is told, 2 failed, 130 cancelled (no file is written).");
 }
 
 class OutputSink final : public CsvSink {
@@ -67,16 +67,22 @@ public:
     bool Write(std::string_view bytes) override
     {
         errno = 0;
-        if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size()) {
-            return true;
-        }
+        return std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() || Fail();
+    }
+    [[nodiscard]] std::string Error() const override { return m_error; }
+    bool Finish()
+    {
+        errno = 0;
+        return std::fflush(stdout) == 0 || Fail();
+    }
+
+private:
+    bool Fail()
+    {
         m_error = fmt::format("standard output: {}", std::strerror(errno));
         return false;
     }
-    [[nodiscard]] std::string Error() const override { return m_error; }
-    bool Finish() { return std::fflush(stdout) == 0 || Write({}); }
 
-private:
     std::string m_error;
 };
 
@@ -227,8 +233,11 @@ int Export(const CsvExportOptions& options, Sink& sink)
         fmt::print(stderr, "{}\n", result == CsvExport::Result::Failed ? work.Error() : sink.Error());
         return kCommandFailed;
     }
+    for (const std::string& remark : work.Remarks()) {
+        fmt::print(stderr, "{}\n", remark);
+    }
     fmt::print(stderr, "{}, {}\n", CountText(work.Rows(), "row", "rows"), CountText(work.Values(), "value", "values"));
-    return kCommandDone;
+    return work.Remarks().empty() ? kCommandDone : kCommandFound;
 }
 
 int ExportTo(const std::string& output, const CsvExportOptions& options)

@@ -196,9 +196,10 @@ void AddReading(zr::SampleGrouper& grouper, const zr::LoggerSample& sample)
     grouper.AddSamples({&sample.time, 1}, {&sample.value, 1}, std::isfinite(sample.value));
 }
 
-// False when the store fails or the work is to stop.
-bool GroupColumn(zr::LoggerReader& reader, const ZRBasicString& variable, zr::SampleGrouper& grouper, Steps& steps,
-                 std::size_t column, std::int64_t from, std::int64_t to)
+// What was damaged on the way, empty for nothing; none when the store fails or the work is to stop.
+std::optional<std::string> GroupColumn(zr::LoggerReader& reader, const ZRBasicString& variable,
+                                       zr::SampleGrouper& grouper, Steps& steps, std::size_t column, std::int64_t from,
+                                       std::int64_t to)
 {
     zr::LoggerSample sample;
     if (grouper.IsCounter() && reader.LastBefore(variable, from, sample)) {
@@ -206,12 +207,13 @@ bool GroupColumn(zr::LoggerReader& reader, const ZRBasicString& variable, zr::Sa
     }
     GroupingVisitor visitor(grouper, steps, column, from, to);
     if (!reader.ReadBlocks(variable, from, to, zr::LoggerNeed::Summaries, visitor)) {
-        return false;
+        return {};
     }
+    std::string damage = reader.Error();
     if (grouper.IsCounter() && reader.FirstFrom(variable, to, sample)) {
         AddReading(grouper, sample);
     }
-    return true;
+    return damage;
 }
 
 }  // namespace
@@ -309,8 +311,9 @@ ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& peri
     if (group == nullptr) {
         zr::RecordArena arena;
         if (m_reader != nullptr) {
+            m_failure.clear();
+            m_damage.clear();
             arena = period.seconds > 0 ? BuildGrouped(period.seconds, progress) : BuildRecorded(progress);
-            m_failure = m_reader->Error();
         }
         group.reset(new CRecordGroup(std::move(arena), m_zone));
     }
@@ -322,11 +325,27 @@ bool ZRLoggerData::ReadColumn(const Column& column, std::int64_t from, std::int6
     if (!column.HasSamples()) {
         return true;
     }
-    if (!column.isSplit) {
-        return m_reader->ReadBlocks(column.variable, from, to, zr::LoggerNeed::Samples, visitor);
+    bool isRead = false;
+    if (column.isSplit) {
+        zr::HourFilter filter(*column.hours.runs, column.hours.hourType, visitor);
+        isRead = m_reader->ReadBlocks(column.variable, from, to, zr::LoggerNeed::Samples, filter);
+    } else {
+        isRead = m_reader->ReadBlocks(column.variable, from, to, zr::LoggerNeed::Samples, visitor);
     }
-    zr::HourFilter filter(*column.hours.runs, column.hours.hourType, visitor);
-    return m_reader->ReadBlocks(column.variable, from, to, zr::LoggerNeed::Samples, filter);
+    return NoteReading(isRead ? std::optional(m_reader->Error()) : std::nullopt);
+}
+
+bool ZRLoggerData::NoteReading(const std::optional<std::string>& damage)
+{
+    constexpr std::size_t kMostTold = 100;
+    if (!damage.has_value()) {
+        m_failure = m_reader->Error();
+        return false;
+    }
+    if (!damage->empty() && m_damage.size() < kMostTold) {
+        m_damage.push_back(*damage);
+    }
+    return true;
 }
 
 zr::RecordArena ZRLoggerData::BuildRecorded(zr::Progress* progress)
@@ -366,13 +385,14 @@ bool ZRLoggerData::GroupColumns(std::span<const std::int64_t> cuts, zr::Progress
         if (runs == nullptr) {
             groupers.emplace_back(infoCode, cuts);
             if (column.HasSamples() &&
-                !GroupColumn(*m_reader, column.variable, groupers.back(), steps, c, m_from, m_to)) {
+                !NoteReading(GroupColumn(*m_reader, column.variable, groupers.back(), steps, c, m_from, m_to))) {
                 return false;
             }
             continue;
         }
         const auto [entry, isNew] = split.try_emplace(std::pair(column.variable, runs), infoCode, cuts, *runs);
-        if (isNew && !GroupColumn(*m_reader, column.variable, entry->second.Samples(), steps, c, m_from, m_to)) {
+        if (isNew &&
+            !NoteReading(GroupColumn(*m_reader, column.variable, entry->second.Samples(), steps, c, m_from, m_to))) {
             return false;
         }
         groupers.push_back(entry->second.Of(column.hours.hourType));

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -78,6 +79,8 @@ public:
     CRecordGroup& RecordGroup(const ZRDateTimeSpan& period, zr::Progress* progress);
     // Why the store failed when a group was read last; empty when it didn't.
     [[nodiscard]] const std::string& Failure() const { return m_failure; }
+    // What was damaged in the store, and so left out, when a group was read last: one line each, naming file or node.
+    [[nodiscard]] const std::vector<std::string>& Damage() const { return m_damage; }
     // Why columns of the selection have no values: one line each, in English, naming the filter file.
     [[nodiscard]] const std::vector<std::string>& Problems() const { return m_split.Problems(); }
 
@@ -101,7 +104,11 @@ private:
     bool GroupColumns(std::span<const std::int64_t> cuts, zr::Progress* progress,
                       std::vector<zr::SampleGrouper>& groupers);
 
+    // Takes down what was damaged while blocks were read, if anything; without a text the reading failed, and so false.
+    bool NoteReading(const std::optional<std::string>& damage);
+
     std::string m_failure;
+    std::vector<std::string> m_damage;
     std::vector<Column> m_columns;
     std::unique_ptr<zr::LoggerReader> m_reader;  // null: nothing to read
     zr::HourSplit m_split;                       // while the range holds

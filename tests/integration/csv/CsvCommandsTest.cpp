@@ -127,6 +127,16 @@ TEST_F(CsvCommandsTest, AStoreThatIsNotThereIsNotMadeByReading)
     EXPECT_FALSE(std::filesystem::exists(Store()));
 }
 
+TEST_F(CsvCommandsTest, AnOutputWithoutRoomIsTold)
+{
+    ASSERT_EQ(Import("time,p\n1041379200,1\n").status, 0);
+    Process process(
+        {"/bin/sh", "-c", R"(exec "$0" export --dataset mains --store "$1" > /dev/full)", ZR_KESTRIXD, Store()},
+        Environment());
+    EXPECT_EQ(process.WaitForExit(std::chrono::seconds(120)), 2);
+    EXPECT_THAT(process.Errors(), HasSubstr("standard output: No space left on device"));
+}
+
 TEST_F(CsvCommandsTest, AFileIsReplacedAsAWhole)
 {
     ASSERT_EQ(Import(kText).status, 0);
@@ -223,7 +233,9 @@ TEST_F(CsvCommandsTest, ACheckTellsWhatIsThereAndWhatIsWrong)
     m_folder.Write("s.zrlog", "this is no store, and never was one; it is long enough to be looked at as one");
     const Outcome foreign = Run({"check-store", "--store", Store()});
     EXPECT_EQ(foreign.status, 2) << foreign.output;
-    EXPECT_THAT(foreign.errors, HasSubstr("s.zrlog"));
+    EXPECT_THAT(foreign.errors, HasSubstr("s.zrlog: is no store of logged data"));
+    EXPECT_THAT(Export().errors, HasSubstr("s.zrlog: is no store of logged data"));
+    EXPECT_THAT(Import("time,p\n1041379200,1\n").errors, HasSubstr("s.zrlog: is no store of logged data"));
 }
 
 TEST_F(CsvCommandsTest, ProgressIsShownOnATerminalOnly)

@@ -211,6 +211,17 @@ TEST_F(CsvExportTest, TellsWhenTheStoreOrTheSinkFails)
     EXPECT_EQ(error, "the store can't be read");
 }
 
+TEST_F(CsvExportTest, TellsOnceWhatAFilterFileLacks)
+{
+    Append(u"M.P", {{1041375600 * kMicros, 1}, {(1041375600 + 90 * 86400) * kMicros, 2}});
+    options.variables = {u"M.P", u"NOWHERE.MVDF@DAY#M.P"};
+    CsvExport work(options);
+    ASSERT_EQ(work.Run(sink, nullptr), CsvExport::Result::Done);
+    EXPECT_EQ(work.Values(), 2u);
+    ASSERT_EQ(work.Remarks().size(), 1u);
+    EXPECT_NE(work.Remarks()[0].find("NOWHERE.MVDF"), std::string::npos) << work.Remarks()[0];
+}
+
 class ToldProgress final : public Progress {
 public:
     void SetText(const wchar*) override {}

@@ -296,11 +296,16 @@ TEST_F(HourFilterTest, SamplesOutsideTheRangeAreInNoHourType)
     EXPECT_EQ(collector.summaries[0].count, 1u);
 }
 
-TEST_F(HourFilterTest, ADamagedBlockAndAVisitorThatHasEnoughEndTheReading)
+TEST_F(HourFilterTest, ADamagedBlockIsLeftOutAndTheReadingGoesOn)
 {
     Block damaged({At(5), At(7)}, {1.0, 2.0});
     damaged.isDamaged = true;
-    EXPECT_FALSE(filter.OnBlock(damaged));
+    EXPECT_TRUE(filter.OnBlock(damaged));
+    EXPECT_TRUE(collector.summaries.empty());
+}
+
+TEST_F(HourFilterTest, AVisitorThatHasEnoughEndsTheReading)
+{
     collector.goesOn = false;
     Block inside({At(7)}, {1.0});
     EXPECT_FALSE(filter.OnBlock(inside));

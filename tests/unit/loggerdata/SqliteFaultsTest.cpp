@@ -79,6 +79,15 @@ private:
 // The name of a file goes at once where it is removed; where a system refuses that while it is open, there is no fault.
 #ifndef _WIN32
 
+// What a reader says of a store that it can't read.
+std::string WhyUnreadable(LoggerStore& store)
+{
+    std::vector<LoggerDataSet> sets;
+    const auto reader = store.OpenReader();
+    EXPECT_FALSE(reader->DataSets(sets));
+    return reader->Error();
+}
+
 TEST_F(SqliteFaultsTest, GoesOnInANewFileWhenTheOldOneIsRemoved)
 {
     for (const std::vector<std::string>& removed :
@@ -151,7 +160,7 @@ TEST_F(SqliteFaultsTest, GoesOnWhenTheFolderIsBack)
     folder.Write("inner", "in the way");
     EXPECT_FALSE(AppendNext(store, series));
     EXPECT_THAT(store.Error(), HasSubstr("data.zrlog"));
-    EXPECT_EQ(store.OpenReader(), nullptr);
+    EXPECT_THAT(WhyUnreadable(store), HasSubstr("data.zrlog: "));
     std::filesystem::remove(inner);
     std::filesystem::rename(folder / "away", inner);
     EXPECT_TRUE(AppendNext(store, series)) << store.Error();
@@ -212,7 +221,7 @@ TEST_F(SqliteFaultsTest, AFileThatNobodyMayReadIsNamed)
     std::filesystem::permissions(file, std::filesystem::perms::none);
     const AsNobody nobody;
     SqliteLoggerStore store(file);
-    EXPECT_EQ(store.OpenReader(), nullptr);
+    EXPECT_THAT(WhyUnreadable(store), HasSubstr("data.zrlog: can't be opened"));
     EXPECT_EQ(store.OpenSeries(u"M.U", 1), -1);
     EXPECT_THAT(store.Error(), HasSubstr("data.zrlog: can't be opened"));
 }

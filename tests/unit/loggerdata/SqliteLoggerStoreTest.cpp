@@ -202,7 +202,10 @@ TEST_F(SqliteLoggerStoreTest, RefusesANewerVersionByName)
     EXPECT_THAT(store->Error(), HasSubstr("data.zrlog"));
     EXPECT_THAT(store->Error(), HasSubstr("version 3"));
     EXPECT_THAT(store->Error(), HasSubstr("up to 2"));
-    EXPECT_EQ(store->OpenReader(), nullptr);
+    std::vector<LoggerDataSet> sets;
+    const auto reader = store->OpenReader();
+    EXPECT_FALSE(reader->DataSets(sets));
+    EXPECT_THAT(reader->Error(), HasSubstr("version 3"));
     EXPECT_EQ(Sql(file, "PRAGMA user_version"), std::vector<std::string>{"3"});
 }
 

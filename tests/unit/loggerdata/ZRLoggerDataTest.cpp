@@ -373,15 +373,21 @@ public:
 private:
     class Block final : public LoggerBlock {
     public:
-        Block(LoggerBlock& block, bool isDamaged) : m_block(block), m_isDamaged(isDamaged) { summary = block.summary; }
+        Block(LoggerBlock& block, bool isDamaged, std::string& error)
+            : m_block(block), m_isDamaged(isDamaged), m_error(error)
+        {
+            summary = block.summary;
+        }
         bool Samples(std::span<const std::int64_t>& times, std::span<const double>& values) override
         {
+            m_error = m_isDamaged ? "a block is damaged" : m_error;
             return !m_isDamaged && m_block.Samples(times, values);
         }
 
     private:
         LoggerBlock& m_block;
         bool m_isDamaged;
+        std::string& m_error;
     };
 
     class Reader final : public LoggerReader, LoggerBlockVisitor {
@@ -394,6 +400,7 @@ private:
                         LoggerBlockVisitor& visitor) override
         {
             m_visitor = &visitor;
+            m_error.clear();
             return m_reader->ReadBlocks(variable, from, to, need, *this);
         }
         bool LastBefore(const ZRBasicString& variable, std::int64_t time, LoggerSample& sample) override
@@ -407,17 +414,18 @@ private:
         std::int32_t InfoCode(const ZRBasicString& variable) override { return m_reader->InfoCode(variable); }
         bool DataSets(std::vector<LoggerDataSet>& sets) override { return m_reader->DataSets(sets); }
         bool Check(LoggerCheck& check, Progress* progress) override { return m_reader->Check(check, progress); }
-        [[nodiscard]] std::string Error() const override { return m_reader->Error(); }
+        [[nodiscard]] std::string Error() const override { return m_error; }
 
     private:
         bool OnBlock(LoggerBlock& block) override
         {
-            Block passed(block, block.summary.firstTime <= m_damaged && m_damaged <= block.summary.lastTime);
+            Block passed(block, block.summary.firstTime <= m_damaged && m_damaged <= block.summary.lastTime, m_error);
             return m_visitor->OnBlock(passed);
         }
 
         std::unique_ptr<LoggerReader> m_reader;
         std::int64_t m_damaged;
+        std::string m_error;
         LoggerBlockVisitor* m_visitor = nullptr;
     };
 };
@@ -440,6 +448,25 @@ TEST_F(ZRLoggerDataTest, ADamagedBlockIsLeftOutWhereItHasToBeUnpacked)
     EXPECT_EQ(data.RecordGroup(kDay, nullptr).count, 30);
     ASSERT_TRUE(data.SelectData(Date(1, 12, 2002), Date(20, 12, 2002), nullptr));
     EXPECT_EQ(data.RecordGroup(kRecorded, nullptr).count, 19 * 24 * 60);
+}
+
+TEST_F(ZRLoggerDataTest, DamageIsToldWhateverIsReadAfterIt)
+{
+    DamagedStore damaged;
+    for (const wchar* const variable : {u"M.U", u"M.V"}) {
+        const LoggerAppend sample = {damaged.OpenSeries(variable, 1),
+                                     Micros(Date(variable[2] == u'U' ? 20 : 22, 12, 2002, 8)), 1.0};
+        ASSERT_TRUE(damaged.Append({&sample, 1}));
+    }
+    damaged.damaged = Micros(Date(20, 12, 2002, 8));
+    SetLoggerStore(&damaged);
+    SetVariables({u"M.U", u"M.V"});
+    ASSERT_TRUE(data.SelectData(Date(1, 12, 2002), Date(31, 12, 2002), nullptr));
+    EXPECT_EQ(data.RecordGroup(kRecorded, nullptr).count, 1);
+    EXPECT_EQ(data.Damage(), std::vector<std::string>{"a block is damaged"});
+    EXPECT_EQ(data.Failure(), "");
+    EXPECT_EQ(data.RecordGroup(kDay, nullptr).count, 2);
+    EXPECT_EQ(data.Damage(), std::vector<std::string>());
 }
 
 }  // namespace

@@ -29,6 +29,7 @@ inline constexpr unsigned kCmdCopyValue = 33053;
 inline constexpr unsigned kCmdForgetMark = 33054;
 inline constexpr unsigned kCmdNextPane = 33060;
 inline constexpr unsigned kCmdRenameGroup = 33061;
+inline constexpr unsigned kCmdLoggedData = 33062;
 
 inline constexpr unsigned kMainToolbar = 33100;
 inline constexpr unsigned kDeviceTree = 33101;

@@ -135,6 +135,11 @@ void DeviceTreeView::UpdateLoggedData(DeviceState badge, const QString& text)
     }
 }
 
+QString DeviceTreeView::NodeText(std::size_t node) const
+{
+    return TextOf(m_tree[node]);
+}
+
 void DeviceTreeView::ShowState(std::size_t node, const QIcon& icon, const QString& text)
 {
     SetItemImage(m_items[node], icon);

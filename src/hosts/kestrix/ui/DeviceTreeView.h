@@ -22,6 +22,8 @@ public:
     // Pictures by the states of the devices.
     void UpdateStates(const PlantWatch& watch);
 
+    // As it is shown.
+    [[nodiscard]] QString NodeText(std::size_t node) const;
     // Of the node of logged data, if there is one.
     void UpdateLoggedData(DeviceState badge, const QString& text);
 

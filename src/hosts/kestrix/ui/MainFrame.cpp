@@ -6,6 +6,7 @@
 #include "hosts/kestrix/ui/DevicePageView.h"
 #include "hosts/kestrix/ui/GroupPageView.h"
 #include "hosts/kestrix/ui/LoggedDataPageView.h"
+#include "hosts/kestrix/ui/LoggedDataWindow.h"
 #include "hosts/kestrix/ui/Theme.h"
 #include "hosts/kestrix/ui/UiTexts.h"
 #include "platform/FileReplace.h"
@@ -76,6 +77,7 @@ MainFrame::MainFrame(supervision::Supervisor& supervisor, DesktopSettings& setti
 MainFrame::~MainFrame()
 {
     m_timer.stop();
+    CloseLoggedData(false);
     m_isFilling = true;
     SetPage(nullptr);
 }
@@ -88,6 +90,7 @@ void MainFrame::Run()
 void MainFrame::RegistryGoes()
 {
     if (m_watch != nullptr) {
+        CloseLoggedData(true);
         LeaveRegistry();
         m_watch.reset();
     }
@@ -97,6 +100,7 @@ void MainFrame::RegistryCame()
 {
     m_watch = std::make_unique<PlantWatch>();
     ShowRegistry();
+    ReopenLoggedData();
 }
 
 void MainFrame::LeaveRegistry()

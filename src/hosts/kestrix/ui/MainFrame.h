@@ -13,8 +13,10 @@
 #include "platform/ui/CToolBar.h"
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
+#include <QPointer>
 #include <QTimer>
 #include <QTranslator>
 #include <string>
@@ -26,6 +28,8 @@ class QSplitter;
 class QToolButton;
 
 namespace zr::desktop {
+
+class LoggedDataWindow;
 
 // Tree at the left, page in the middle with the strip of the selected value below it, warnings at the bottom, menu,
 // toolbar and status bar. Shows the registry of a supervisor that has loaded its document. UI thread only.
@@ -56,6 +60,9 @@ public:
     // Shows the page of the device; false when there is none.
     bool ShowDevice(const ZRBasicString& device);
     bool ShowNode(std::size_t node);
+    // A window on the logged data of a device or a group, beside those that are open; the one of that node comes to the
+    // front where there is one. Null, after the user was told, where nothing is recorded.
+    LoggedDataWindow* OpenLoggedData(std::size_t node);
     [[nodiscard]] DeviceTreeView& Tree() const { return *m_tree; }
     // Null while nothing is selected in the tree.
     [[nodiscard]] PageView* Page() const { return m_page; }
@@ -111,6 +118,9 @@ private:
     void ShowWarnings();
     void ShowDeviceOfWarning(int index);
     void NextPane();
+    // Those that are open, to be opened anew with the next registry where reopen is set.
+    void CloseLoggedData(bool reopen);
+    void ReopenLoggedData();
 
     // False when the user wants to stay.
     bool AskAboutChanges();
@@ -127,6 +137,14 @@ private:
     DesktopSettings& m_settings;
     std::unique_ptr<PlantWatch> m_watch;
     QTranslator m_qtTexts;
+
+    // By the path of the node: how the columns were arranged, and the window while it is open, which owns itself.
+    struct LoggedDataView {
+        XmlDocument settings;
+        QPointer<LoggedDataWindow> window;
+        bool reopens = false;
+    };
+    std::map<ZRBasicString, LoggedDataView> m_loggedData;
 
     // Owned by Qt.
     QSplitter* m_splitter = nullptr;

@@ -2,8 +2,10 @@
 #include "dde/LinkText.h"
 #include "diagnostics/DiagnosticsIds.h"
 #include "diagnostics/ui/CDebugDlgBar.h"
+#include "hosts/kestrix/LoggedVariables.h"
 #include "hosts/kestrix/ui/Commands.h"
 #include "hosts/kestrix/ui/InfoDlg.h"
+#include "hosts/kestrix/ui/LoggedDataWindow.h"
 #include "hosts/kestrix/ui/MainFrame.h"
 #include "hosts/kestrix/ui/PageSetupDlg.h"
 #include "hosts/kestrix/ui/UiTexts.h"
@@ -83,6 +85,9 @@ bool MainFrame::OnCommand(unsigned id, unsigned code, QWidget* from)
             return true;
         case kCmdNextPane:
             NextPane();
+            return true;
+        case kCmdLoggedData:
+            OpenLoggedData(m_tree->SelectedNode());
             return true;
         case kCmdRenameGroup:
             m_tree->EditSelectedGroup();
@@ -331,6 +336,52 @@ void MainFrame::PrintShownPage()
 {
     if (m_page != nullptr && !PrintPage(*m_page, m_settings, this)) {
         Tell(LoadText(kTextErrorPrint));
+    }
+}
+
+LoggedDataWindow* MainFrame::OpenLoggedData(std::size_t node)
+{
+    const DeviceTree& tree = m_tree->Tree();
+    if (node >= tree.Size()) {
+        return nullptr;
+    }
+    LoggedDataView& view = m_loggedData[tree.PathOf(node)];
+    if (view.window == nullptr) {
+        const ZRLoggerInfo info = LoggedVariables(tree.DevicesOf(node));
+        const ZRBasicString name = FromQt(m_tree->NodeText(node));
+        if (info.variables.empty()) {
+            Tell(FilledText(kTextLoggedNone, {name}));
+            return nullptr;
+        }
+        view.window = new LoggedDataWindow(nullptr, name, &view.settings);
+        view.window->show();
+        view.window->Open(info);
+    }
+    if (view.window != nullptr) {
+        view.window->raise();
+        view.window->activateWindow();
+    }
+    return view.window;
+}
+
+// They read from the store, which goes with the registry.
+void MainFrame::CloseLoggedData(bool reopen)
+{
+    for (auto& [path, view] : m_loggedData) {
+        view.reopens = reopen && view.window != nullptr;
+        if (view.window != nullptr) {
+            delete view.window;
+        }
+    }
+}
+
+void MainFrame::ReopenLoggedData()
+{
+    for (auto& [path, view] : m_loggedData) {
+        const auto node = m_tree->Tree().FindPath(path);
+        if (std::exchange(view.reopens, false) && node) {
+            OpenLoggedData(*node);
+        }
     }
 }
 

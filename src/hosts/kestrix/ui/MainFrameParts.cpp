@@ -164,6 +164,8 @@ void MainFrame::MakeViewMenu()
     for (unsigned i = 0; i < std::size(kColourTexts); ++i) {
         m_colours->AppendMenu(kCmdColoursSystem + i, Wide(kColourTexts[i]));
     }
+    m_view->AppendMenu(kCmdLoggedData, WithKeys(kTextLoggedMenu, u"Ctrl+L"), ui::NamedImage(QStringLiteral("period")));
+    m_view->AppendSeparator();
     m_view->AppendMenu(*m_language);
     m_view->AppendMenu(*m_colours);
     m_view->AppendSeparator();
@@ -226,6 +228,8 @@ void MainFrame::MakeToolbar()
     };
     addMenu(m_language, "language", kTextTipLanguage);
     addMenu(m_colours, "theme", kTextTipColours);
+    m_toolbar->AddSeparator();
+    add(kCmdLoggedData, "period", kTextTipLoggedData);
     m_toolbar->AddSeparator();
     add(kCmdWarnings, "warnings", kTextTipWarnings);
     add(kCmdAbout, "about", kTextTipAbout);

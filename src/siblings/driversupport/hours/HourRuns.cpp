@@ -63,7 +63,8 @@ bool HourFilter::OnBlock(LoggerBlock& block)
     std::span<const std::int64_t> times;
     std::span<const double> values;
     if (!block.Samples(times, values) || times.size() != values.size()) {
-        return false;
+        // What is damaged is left out; the checks of the store name it.
+        return true;
     }
     std::vector<std::int64_t> ourTimes;
     std::vector<double> ourValues;

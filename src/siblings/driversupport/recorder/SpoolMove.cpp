@@ -105,9 +105,10 @@ void MoveForeignSpools(const std::filesystem::path& folder, const std::vector<Re
 {
     std::vector<std::filesystem::path> foreign;
     std::error_code ignored;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, ignored)) {
-        if (IsForeign(entry.path(), lanes.size())) {
-            foreign.push_back(entry.path());
+    std::filesystem::directory_iterator entry(folder, ignored);
+    for (; entry != std::filesystem::directory_iterator(); entry.increment(ignored)) {
+        if (IsForeign(entry->path(), lanes.size())) {
+            foreign.push_back(entry->path());
         }
     }
     for (const std::filesystem::path& path : foreign) {

@@ -113,7 +113,8 @@ void StoreWriter::EnterThoseOfTheStore()
 {
     const std::unique_ptr<LoggerReader> reader = m_store.OpenReader();
     m_series.resize(m_names.Variables(), -1);
-    for (std::size_t i = 0; reader != nullptr && i < m_series.size(); ++i) {
+    // A store that fails would make each of them wait.
+    for (std::size_t i = 0; reader != nullptr && reader->Error().empty() && i < m_series.size(); ++i) {
         const int variable = static_cast<int>(i);
         const std::int32_t infoCode = m_series[i] < 0 ? reader->InfoCode(m_names.VariableName(variable)) : 0;
         if (infoCode != 0) {

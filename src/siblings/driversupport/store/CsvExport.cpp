@@ -125,6 +125,17 @@ bool WriteRecords(CsvSink& sink, const ZRLoggerData::CRecordGroup& group, std::s
 
 CsvExport::CsvExport(CsvExportOptions options) : m_options(std::move(options)) {}
 
+// Windows tell the same again and again.
+void CsvExport::AddRemarks(const std::vector<std::string>& remarks)
+{
+    constexpr std::size_t kMostTold = 100;
+    for (const std::string& remark : remarks) {
+        if (m_remarks.size() < kMostTold && std::find(m_remarks.begin(), m_remarks.end(), remark) == m_remarks.end()) {
+            m_remarks.push_back(remark);
+        }
+    }
+}
+
 bool CsvExport::Fail(std::string error)
 {
     m_error = std::move(error);
@@ -163,6 +174,8 @@ CsvExport::Result CsvExport::Run(CsvSink& sink, Progress* progress)
             Fail(sink.Error());
             return Result::Failed;
         }
+        AddRemarks(data.Problems());
+        AddRemarks(data.Damage());
         m_rows += static_cast<std::size_t>(group.count);
         part.SetPos(100);
         begin = end;

@@ -55,9 +55,12 @@ public:
     // That aren't empty.
     [[nodiscard]] std::size_t Values() const { return m_values; }
     [[nodiscard]] const std::string& Error() const { return m_error; }
+    // What is missing from the file: filter files that aren't fit, and damage in the store. One line each.
+    [[nodiscard]] const std::vector<std::string>& Remarks() const { return m_remarks; }
 
 private:
     bool Fail(std::string error);
+    void AddRemarks(const std::vector<std::string>& remarks);
     // Sets the ends that are left open. False when the store fails.
     bool FindRange();
     bool WriteHeader(CsvSink& sink, const ZRLoggerInfo& info);
@@ -71,6 +74,7 @@ private:
     std::size_t m_rows = 0;
     std::size_t m_values = 0;
     std::string m_error;
+    std::vector<std::string> m_remarks;
 };
 
 }  // namespace zr

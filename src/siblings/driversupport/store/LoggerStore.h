@@ -133,7 +133,7 @@ public:
     virtual Upkeep Maintain(std::int64_t now) = 0;
     // What the upkeep found wrong since the last call, one line each.
     virtual std::vector<std::string> TakeFindings() = 0;
-    // Null when the store can't be read.
+    // Of a store that can't be read each call fails and tells why; null where nobody can tell.
     virtual std::unique_ptr<LoggerReader> OpenReader() = 0;
     // Why the last call of the writing thread failed; names the file or the node. Empty otherwise.
     [[nodiscard]] virtual std::string Error() const = 0;

@@ -111,13 +111,6 @@ SqliteLoggerReader::SqliteLoggerReader(std::filesystem::path path, SqliteStoreOp
 
 SqliteLoggerReader::~SqliteLoggerReader() = default;
 
-std::unique_ptr<LoggerReader> SqliteLoggerReader::Open(const std::filesystem::path& path,
-                                                       const SqliteStoreOptions& options)
-{
-    std::unique_ptr<SqliteLoggerReader> reader(new SqliteLoggerReader(path, options));
-    return reader->Ready() ? std::move(reader) : nullptr;
-}
-
 bool SqliteLoggerReader::Ready()
 {
     m_error.clear();

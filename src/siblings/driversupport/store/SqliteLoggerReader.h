@@ -13,8 +13,8 @@ namespace zr {
 
 class SqliteLoggerReader final : public LoggerReader {
 public:
-    // Null when the file can't be read.
-    static std::unique_ptr<LoggerReader> Open(const std::filesystem::path& path, const SqliteStoreOptions& options);
+    // The file is looked for at the first call, and again at each one while it can't be read.
+    SqliteLoggerReader(std::filesystem::path path, SqliteStoreOptions options);
     ~SqliteLoggerReader() override;
 
     bool ReadBlocks(const ZRBasicString& variable, std::int64_t from, std::int64_t to, LoggerNeed need,
@@ -30,7 +30,6 @@ private:
     struct Session;
     enum class Side { Before, From };
 
-    SqliteLoggerReader(std::filesystem::path path, SqliteStoreOptions options);
     bool Ready();
     bool Fail();
     // 0 for an unknown variable.

@@ -353,7 +353,7 @@ std::vector<std::string> SqliteLoggerStore::TakeFindings()
 
 std::unique_ptr<LoggerReader> SqliteLoggerStore::OpenReader()
 {
-    return SqliteLoggerReader::Open(m_path, m_options);
+    return std::make_unique<SqliteLoggerReader>(m_path, m_options);
 }
 
 }  // namespace zr

@@ -36,8 +36,6 @@ public:
     void RemoveRemains() const;
 
     [[nodiscard]] SqliteConnection& Connection() { return m_connection; }
-    // The number that the store was given when it was made.
-    [[nodiscard]] std::int64_t Identity() const { return m_identity; }
     [[nodiscard]] std::string Name() const;
     // Commits from here on wait for the disk or don't; the next that waits brings those before it there as well.
     bool SetWaiting(bool isWaiting);

@@ -211,9 +211,16 @@ bool SqliteUpkeep::RemoveOldBlocks(SqliteSession& session)
         return true;
     }
     SqliteTransaction transaction(session.connection, SqliteTransaction::Kind::Write);
-    return transaction.IsOpen() &&
-           session.blocks.RemoveBefore(retention.series, retention.firstHour, kBlocksDroppedAtATime, removed) &&
-           session.blocks.FlushDigests() && transaction.Commit();
+    if (!transaction.IsOpen() ||
+        !session.blocks.RemoveBefore(retention.series, retention.firstHour, kBlocksDroppedAtATime, removed) ||
+        !session.blocks.FlushDigests() || !transaction.Commit()) {
+        return false;
+    }
+    if (removed == 0) {
+        // A damaged table may show a row and not drop it: it isn't asked for ever.
+        m_retentions.pop_back();
+    }
+    return true;
 }
 
 // A clock that is set years ahead may not empty the store: what retention goes by follows slowly, and waits in the file

@@ -1,0 +1,77 @@
+#include "hosts/kestrix/TableExport.h"
+
+#include "platform/FileReplace.h"
+
+#include <fmt/format.h>
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+
+namespace zr::desktop {
+namespace {
+
+constexpr std::int64_t kEpoch = 946684800;  // of ZRDateTime, seconds since 1970
+
+std::string Quoted(const std::string& cell)
+{
+    if (cell.find_first_of(",\"\r\n") == std::string::npos) {
+        return cell;
+    }
+    std::string quoted = "\"";
+    for (const char character : cell) {
+        quoted += character == '"' ? "\"\"" : std::string(1, character);
+    }
+    return quoted + '"';
+}
+
+}  // namespace
+
+std::int32_t RecordOffsets::Of(const ZRDateTime& local)
+{
+    const std::int64_t time = kEpoch + local.seconds;
+    std::int64_t utc = m_zone.ToUtc(time);
+    const TimeZone::Span span = m_zone.SpanAt(utc);
+    if (utc <= m_lastUtc && span.end != TimeZone::Span().end) {
+        const std::int64_t second = time - m_zone.SpanAt(span.end).offset;
+        utc = second >= span.end && m_zone.ToLocal(second) == time ? second : utc;
+    }
+    m_lastUtc = utc;
+    return m_zone.SpanAt(utc).offset;
+}
+
+std::string OffsetText(std::int32_t seconds)
+{
+    const int minutes = std::abs(seconds) / 60;
+    return fmt::format("{}{:02}:{:02}", seconds < 0 ? '-' : '+', minutes / 60, minutes % 60);
+}
+
+bool WriteCsv(const ExportedTable& table, const std::filesystem::path& file, std::string& reason)
+{
+    std::string text;
+    for (std::size_t i = 0; i < table.titles.size(); ++i) {
+        text += (i > 0 ? "," : "") + Quoted(table.titles[i]);
+    }
+    text += "\r\n";
+    RecordOffsets offsets(table.zone);
+    for (auto record = table.group->first; record != table.group->last; ++record) {
+        const ZRDateTime& time = (*record)->time;
+        int year = 0;
+        int month = 0;
+        int day = 0;
+        ZRDateTime::DateTime2DMY(time.seconds, day, month, year, true);
+        const unsigned clock = time.seconds % 86400;
+        fmt::format_to(std::back_inserter(text), "{:04}-{:02}-{:02}T{:02}:{:02}:{:02}{}", year + 1999, month, day,
+                       clock / 3600, clock / 60 % 60, clock % 60, OffsetText(offsets.Of(time)));
+        for (const logger::ValueColumn& column : table.values) {
+            text += ',';
+            double value = 0.0;
+            if (column.Read(**record, value)) {
+                fmt::format_to(std::back_inserter(text), "{:.{}f}", value, std::max(column.decimals, 0));
+            }
+        }
+        text += "\r\n";
+    }
+    return WriteFileReplacing(file, text, reason);
+}
+
+}  // namespace zr::desktop

@@ -1,0 +1,271 @@
+#include "hosts/kestrix/ui/LoggedDataWindow.h"
+
+#include "hosts/kestrix/ui/UiTexts.h"
+#include "logger/FormatDateTime.h"
+#include "logger/SuiteKey.h"
+#include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
+#include "platform/FileReplace.h"
+#include "platform/ui/AfxMessageBox.h"
+#include "platform/ui/Images.h"
+
+#include <QFileDialog>
+#include <QFontMetrics>
+#include <QLabel>
+#include <QShortcut>
+
+namespace zr::desktop {
+namespace {
+
+using namespace zr::logger;
+
+constexpr int kStatusPadding = 6;
+constexpr QSize kFirstSize{860, 560};
+// A time as the rows of a week show it, the longest of all.
+constexpr const wchar* kLongestTime = u"  Wednesday 30 23:58:00 ";
+
+ZRBasicString DateText(const ZRDateTime& date)
+{
+    ZRBasicString text;
+    return FormatDateTime(text, date, LocaleInformationWide(), kPad | kDateInNumbers);
+}
+
+// Wide enough for the time of any unit, unless the user has chosen a width before.
+void WidenTimeColumn(const QFontMetrics& metrics)
+{
+    SuiteKey key(kTablesKey);
+    std::uint32_t width = 0;
+    if (!key.ReadNumber(kTimeColumnValue, width)) {
+        key.WriteNumber(kTimeColumnValue,
+                        static_cast<std::uint32_t>(metrics.horizontalAdvance(ui::ToQt(kLongestTime))));
+    }
+}
+
+// The tree lists what the user wants to see. Until there is a dialog to choose by, that is all there is: a variable
+// that is new to the device is shown.
+void WantAll(const ZRLoggerInfo& info, XmlNode& root)
+{
+    XmlNode* vars = root.Node(u"Vars");
+    if (vars == nullptr || vars->children.empty()) {
+        return;
+    }
+    for (const ZRDriverVariable* variable : info.variables) {
+        bool isListed = false;
+        for (const XmlNode* const child : vars->children) {
+            isListed = isListed || child->Value(u"Name", u"") == variable->fullName;
+        }
+        if (!isListed) {
+            vars->NewChild(u"Var")->SetValue(u"Name", variable->fullName);
+        }
+    }
+}
+
+}  // namespace
+
+LoggedDataWindow::LoggedDataWindow(QWidget* parent, const ZRBasicString& name, XmlDocument* settings)
+    : ZRVirtualLoggerDataExplorer(parent), m_name(name), m_settings(settings), m_status(new QLabel(this))
+{
+    m_status->setObjectName(QString::number(kLoggedStatus));
+    m_status->setTextFormat(Qt::PlainText);
+    m_status->setContentsMargins(kStatusPadding, 0, kStatusPadding, 0);
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowTitle(FilledText(kTextLoggedTitle, {name}));
+    setWindowIcon(ui::NamedImage(QStringLiteral("period")));
+    if (m_settings != nullptr && m_settings->root != nullptr) {
+        Config() = *m_settings;
+    }
+    Create(parent);
+    resize(kFirstSize);
+    MakeShortcuts();
+}
+
+LoggedDataWindow::~LoggedDataWindow()
+{
+    LoggedDataWindow::OnDestroy();
+}
+
+void LoggedDataWindow::Open(const ZRLoggerInfo& info)
+{
+    WidenTimeColumn(fontMetrics());
+    WantAll(info, *Config().root);
+    Setup(info, nullptr);
+    const LastChoice last = ReadLastChoice();
+    SetPeriod(last.groupBy, last.samplePeriod);
+    SelectViewer(kTableViewer);
+}
+
+bool LoggedDataWindow::InitializeToolBar()
+{
+    ZRVirtualLoggerDataExplorer::InitializeToolBar();
+    ToolBar().AddSeparator();
+    const auto add = [this](unsigned command, const char* picture, unsigned text) {
+        ToolBar().AddButton(command, ui::NamedImage(QLatin1String(picture)), ui::FromQt(LoadText(text)));
+    };
+    add(kCommandCopy, "copy", kTextLoggedCopy);
+    add(ui::ID_FILE_PRINT_PREVIEW, "pagesetup", kTextLoggedPreview);
+    add(kLoggedExport, "save", kTextLoggedExport);
+    return true;
+}
+
+void LoggedDataWindow::MakeShortcuts()
+{
+    const auto add = [this](const QKeySequence& keys, const std::function<void()>& run) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, run);
+    };
+    add(QKeySequence(Qt::Key_Left), [this] { OnPrevious(); });
+    add(QKeySequence(Qt::Key_Right), [this] { OnNext(); });
+    add(QKeySequence(Qt::ALT | Qt::Key_Left), [this] { OnPrevious(); });
+    add(QKeySequence(Qt::ALT | Qt::Key_Right), [this] { OnNext(); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_G), [this] { OnGoTo(); });
+    add(QKeySequence::Copy, [this] { OnEditCopy(); });
+    add(QKeySequence::Print, [this] { OnFilePrint(); });
+    add(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P), [this] { OnFilePrintPreview(); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_E), [this] { AskWhereToExport(); });
+    add(QKeySequence(Qt::Key_F5), [this] { Reload(); });
+}
+
+bool LoggedDataWindow::OnCommand(unsigned id, unsigned code, QWidget* from)
+{
+    if (id == kLoggedExport) {
+        AskWhereToExport();
+        return true;
+    }
+    return ZRVirtualLoggerDataExplorer::OnCommand(id, code, from);
+}
+
+void LoggedDataWindow::OnSize(int width, int height)
+{
+    const int line = m_status->sizeHint().height() + kStatusPadding;
+    m_status->setGeometry(0, height - line, width, line);
+    ZRVirtualLoggerDataExplorer::OnSize(width, height - line);
+}
+
+void LoggedDataWindow::OnDestroy()
+{
+    const bool hadViewer = Viewer() != nullptr;
+    ZRVirtualLoggerDataExplorer::OnDestroy();
+    if (hadViewer && m_settings != nullptr) {
+        *m_settings = Config();
+    }
+}
+
+ZRDateTimeSpan LoggedDataWindow::PeriodShown()
+{
+    const LoggerWindow& window = Window();
+    return IsAutomatic(window.samplePeriod) ? GetSamplePeriodIfAutomatic(static_cast<unsigned>(window.groupBy))
+                                            : window.samplePeriod;
+}
+
+QString LoggedDataWindow::PeriodText()
+{
+    const ZRDateTimeSpan period = PeriodShown();
+    if (period.seconds == 0) {
+        return LoadText(kTextLoggedEveryRecord);
+    }
+    for (const ExplorerMenuEntry& entry : PeriodMenu(period)) {
+        if (entry.isChecked) {
+            return FilledText(kTextLoggedReduced, {entry.text});
+        }
+    }
+    return {};
+}
+
+QString LoggedDataWindow::Problems()
+{
+    if (WasLoadStopped()) {
+        return LoadText(kTextLoggedStopped);
+    }
+    QStringList problems;
+    for (const std::string& problem : Data()->Problems()) {
+        problems << QString::fromStdString(problem);
+    }
+    return problems.join(QStringLiteral("; "));
+}
+
+void LoggedDataWindow::OnShown()
+{
+    const auto* const table = dynamic_cast<const ZRVirtualLoggerDataTableViewer*>(Viewer());
+    if (table == nullptr) {
+        m_status->clear();
+        return;
+    }
+    const int count = table->Table().Count();
+    const LoggerWindow& window = Window();
+    ZRDateTime lastDay = window.dateTo;
+    lastDay.seconds -= 1;
+    QStringList parts{count == 1 ? LoadText(kTextLoggedOneRecord) : FilledText(kTextLoggedRecords, {count}),
+                      FilledText(kTextLoggedWindow, {DateText(window.dateFrom), DateText(lastDay)}), PeriodText()};
+    if (const QString problems = Problems(); !problems.isEmpty()) {
+        parts << problems;
+    }
+    m_status->setText(parts.join(QStringLiteral("   |   ")));
+    m_status->setToolTip(PlainTip(m_status->text()));
+}
+
+QString LoggedDataWindow::Status() const
+{
+    return m_status->text();
+}
+
+ExportedTable LoggedDataWindow::Table()
+{
+    LoggerTable& shown = dynamic_cast<ZRVirtualLoggerDataTableViewer&>(*Viewer()).Table();
+    ZRBasicString time;
+    ExportedTable table;
+    table.titles = {Utf16ToUtf8(ZRLoadString(kTextTimeColumn, time))};
+    const std::vector<ValueColumn> values = FindValueColumns(shown.Profile(), shown.LoggerInfo(), MatchBy::Name);
+    auto record = shown.Profile().VarsBegin();
+    for (const ValueColumn& value : values) {
+        if (value.position >= 0) {
+            table.titles.push_back(Utf16ToUtf8(HeaderText(**record)));
+            table.values.push_back(value);
+        }
+        ++record;
+    }
+    table.group = &Data()->RecordGroup(PeriodShown(), nullptr);
+    table.zone = PlantZone();
+    table.offsetTitle = LoadText(kTextLoggedOffset).toStdString();
+    return table;
+}
+
+void LoggedDataWindow::AskWhereToExport()
+{
+    if (Viewer() == nullptr) {
+        return;
+    }
+    const QString filter = QStringLiteral("%1 (*.csv);;%2 (*.xlsx);;%3 (*.pdf)")
+                               .arg(LoadText(kTextLoggedCsv), LoadText(kTextLoggedXlsx), LoadText(kTextLoggedPdf));
+    QString chosen;
+    QString file =
+        QFileDialog::getSaveFileName(this, LoadText(kTextLoggedExport), ToQt(m_name) + ".csv", filter, &chosen);
+    if (file.isEmpty()) {
+        return;
+    }
+    if (QFileInfo(file).suffix().isEmpty()) {
+        file += chosen.contains("*.xlsx") ? ".xlsx" : chosen.contains("*.pdf") ? ".pdf" : ".csv";
+    }
+    ExportTo(PathFromText(ui::FromQt(file)));
+}
+
+bool LoggedDataWindow::ExportTo(const std::filesystem::path& file)
+{
+    std::string reason;
+    const std::string extension = file.extension().string();
+    const QString name = ToQt(Utf8ToUtf16(TextOfPath(file)));
+    bool good = false;
+    if (extension == ".pdf") {
+        good = PrintToFile(name) == Printed::Done;
+        reason = LoadText(kTextLoggedNothingPrinted).toStdString();
+    } else {
+        const ExportedTable table = Table();
+        good = extension == ".xlsx" ? WriteXlsx(table, file, reason) : WriteCsv(table, file, reason);
+    }
+    if (!good) {
+        AfxMessageBox(ui::FromQt(FilledText(kTextLoggedNotExported, {FromQt(name), Utf8ToUtf16(reason)})),
+                      ui::MB_OK | ui::MB_ICONEXCLAMATION);
+        return false;
+    }
+    m_status->setText(FilledText(kTextLoggedExported, {FromQt(name)}));
+    return true;
+}
+
+}  // namespace zr::desktop

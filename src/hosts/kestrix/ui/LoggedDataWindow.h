@@ -1,0 +1,53 @@
+// A window on the logged data of a device or a group.
+#pragma once
+
+#include "hosts/kestrix/TableExport.h"
+#include "logger/ui/ZRVirtualLoggerDataExplorer.h"
+
+#include <filesystem>
+
+class QLabel;
+
+namespace zr::desktop {
+
+inline constexpr unsigned kLoggedPrint = 33201;
+inline constexpr unsigned kLoggedExport = 33202;
+inline constexpr unsigned kLoggedStatus = 33210;
+
+// The explorer with buttons to copy, print and export, keys for its commands, and a line that tells how many records of
+// which time are shown and how they were reduced. Goes when it is closed. UI thread only.
+class LoggedDataWindow : public ZRVirtualLoggerDataExplorer {
+public:
+    // name: of the device or group. settings: of this name, kept when the window closes; may be null, is not owned and
+    // must outlive the window.
+    LoggedDataWindow(QWidget* parent, const ZRBasicString& name, XmlDocument* settings);
+    ~LoggedDataWindow() override;
+
+    // The table on the unit and period that the user chose last. Blocks while data are loaded.
+    void Open(const ZRLoggerInfo& info);
+    // By the extension: .csv, .xlsx or .pdf. False after the user was told why not.
+    bool ExportTo(const std::filesystem::path& file);
+    [[nodiscard]] QString Status() const;
+
+    bool InitializeToolBar() override;
+
+protected:
+    void OnShown() override;
+    void OnSize(int width, int height) override;
+    void OnDestroy() override;
+    bool OnCommand(unsigned id, unsigned code, QWidget* from) override;
+
+private:
+    void MakeShortcuts();
+    void AskWhereToExport();
+    [[nodiscard]] ExportedTable Table();
+    [[nodiscard]] ZRDateTimeSpan PeriodShown();
+    [[nodiscard]] QString PeriodText();
+    [[nodiscard]] QString Problems();
+
+    ZRBasicString m_name;
+    XmlDocument* m_settings;
+    QLabel* m_status;  // Owned by Qt.
+};
+
+}  // namespace zr::desktop

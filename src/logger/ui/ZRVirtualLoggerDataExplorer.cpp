@@ -1,0 +1,447 @@
+#include "logger/ui/ZRVirtualLoggerDataExplorer.h"
+
+#include "dialogs/ui/CGoToDateDlg.h"
+#include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
+#include "platform/ui/AfxMessageBox.h"
+#include "platform/ui/Images.h"
+#include "platform/ui/UiText.h"
+#include "siblings/tools/ui/CDlgProgress.h"
+#include "siblings/tools/ZRLoadString.h"
+
+#include <algorithm>
+#include <QCloseEvent>
+#include <thread>
+
+namespace {
+
+using namespace zr::logger;
+
+constexpr unsigned kImages = 63;
+constexpr unsigned kHotImages = 64;
+constexpr QSize kImageSize{24, 24};
+constexpr QSize kMenuImageSize{22, 20};
+
+std::u16string Wide(unsigned id)
+{
+    ZRBasicString text;
+    return std::u16string(ZRLoadString(id, text).Text());
+}
+
+// A menu as it is told without Qt.
+void Fill(CMenu& menu, const ExplorerMenu& entries, QWidget* target)
+{
+    for (const ExplorerMenuEntry& entry : entries) {
+        if (!entry.subMenu.empty()) {
+            auto* const popup = new CMenu(target, entry.text.Text());
+            popup->setParent(&menu, popup->windowFlags());
+            Fill(*popup, entry.subMenu, target);
+            menu.AppendMenu(*popup);
+            continue;
+        }
+        menu.AppendMenu(entry.command, entry.text.Text());
+        menu.FindItem(entry.command)->setEnabled(entry.isEnabled);
+        if (entry.isChecked) {
+            menu.CheckMenuItem(entry.command, true);
+        }
+    }
+}
+
+class ButtonState final : public CCmdUI {
+public:
+    ButtonState(CToolBar& bar, unsigned id) : CCmdUI(id), m_bar(bar) {}
+    void Enable(bool enable) override { m_bar.EnableButton(m_nID, enable); }
+
+private:
+    CToolBar& m_bar;
+};
+
+}  // namespace
+
+// What the explorer without a window asks of this one.
+class ZRVirtualLoggerDataExplorer::Host final : public LoggerExplorer::Host {
+public:
+    explicit Host(ZRVirtualLoggerDataExplorer& window) : m_window(window) {}
+
+    ExplorerViewer* CreateViewer(int kind) override
+    {
+        m_window.CreateViewer(kind);
+        if (m_window.viewer != nullptr) {
+            m_window.viewer->Create(&m_window, kViewerId);
+            m_window.viewer->hide();
+            m_window.OnSize(m_window.width(), m_window.height());
+        }
+        return m_window.viewer.get();
+    }
+    void DestroyViewer() override
+    {
+        m_window.viewer->DestroyWindow();
+        m_window.viewer.reset();
+    }
+    void ShowViewer(bool visible) override
+    {
+        m_window.viewer->setVisible(visible);
+        if (visible) {
+            m_window.viewer->setFocus();
+        }
+    }
+    void RunLoad(const std::function<void(zr::Progress&)>& work) override { m_window.RunLoad(work); }
+    ZRDateTimeSpan GetSamplePeriodIfAutomatic(unsigned groupBy) override
+    {
+        return m_window.GetSamplePeriodIfAutomatic(groupBy);
+    }
+    void ShowMessage(unsigned text) override { AfxMessageBox(Wide(text), zr::ui::MB_OK | zr::ui::MB_ICONSTOP); }
+    bool ChooseDate(const COleDateTime& offered, ZRDateTime& chosen) override
+    {
+        return m_window.ChooseDate(offered, chosen);
+    }
+
+private:
+    ZRVirtualLoggerDataExplorer& m_window;
+};
+
+ZRVirtualLoggerDataExplorer::ZRVirtualLoggerDataExplorer(QWidget* parent)
+    : ZRPrintPreviewDialog(zr::ui::kExplorerDialog, parent),
+      m_host(std::make_unique<Host>(*this)),
+      m_explorer(*m_host),
+      m_reBar(this, kReBarId),
+      m_toolBar(this, kToolBarId, {})
+{
+    setWindowFlags(Qt::Window);
+}
+
+ZRVirtualLoggerDataExplorer::~ZRVirtualLoggerDataExplorer()
+{
+    // Without the derived class, which has gone already.
+    ZRVirtualLoggerDataExplorer::OnDestroy();
+}
+
+bool ZRVirtualLoggerDataExplorer::Create(QWidget*)
+{
+    if (std::exchange(m_isCreated, true)) {
+        return false;
+    }
+    m_toolBar.setIconSize(kImageSize);
+    CreateMenuBitmaps(kHotImages);
+    InitializeToolBar();
+    m_reBar.AddBar(m_toolBar);
+    ZRPrintPreviewDialog::Create();
+    OnSize(width(), height());
+    UpdateCommands();
+    return true;
+}
+
+bool ZRVirtualLoggerDataExplorer::InitializeToolBar()
+{
+    for (const ExplorerButton& button : kExplorerButtons) {
+        const QIcon image = zr::ui::Image(kImages, button.image);
+        if (button.isDropDown) {
+            m_toolBar.AddDropDown(button.command, image, Wide(button.text));
+        } else {
+            m_toolBar.AddButton(button.command, image, Wide(button.text));
+        }
+    }
+    return true;
+}
+
+void ZRVirtualLoggerDataExplorer::CreateMenuBitmaps(unsigned images)
+{
+    for (std::size_t i = 0; i < kExplorerButtons.size(); ++i) {
+        menuBitmaps[i] = zr::ui::Image(images, kExplorerButtons[i].image).pixmap(kMenuImageSize);
+    }
+    MoreBitmaps(images, std::span(menuBitmaps).subspan(kExplorerButtons.size()));
+}
+
+bool ZRVirtualLoggerDataExplorer::MoreDropDown(int)
+{
+    return true;
+}
+
+bool ZRVirtualLoggerDataExplorer::MoreChevron(CMenu&, int)
+{
+    return true;
+}
+
+bool ZRVirtualLoggerDataExplorer::MoreBitmaps(unsigned, std::span<QPixmap>)
+{
+    return true;
+}
+
+void ZRVirtualLoggerDataExplorer::Setup(const ZRLoggerInfo& info, int* selectedViewer)
+{
+    m_explorer.Setup(info, selectedViewer);
+    UpdateCommands();
+}
+
+void ZRVirtualLoggerDataExplorer::CreateViewer(int kind)
+{
+    if (kind == kTableViewer) {
+        viewer = std::make_unique<ZRVirtualLoggerDataTableViewer>();
+    }
+}
+
+ZRDateTimeSpan ZRVirtualLoggerDataExplorer::GetSamplePeriodIfAutomatic(unsigned groupBy)
+{
+    return m_explorer.AutomaticPeriodOf(groupBy);
+}
+
+void ZRVirtualLoggerDataExplorer::SetPeriod(int groupBy, const ZRDateTimeSpan& period)
+{
+    LoggerWindow& window = m_explorer.Window();
+    window.groupBy = groupBy;
+    window.samplePeriod = IsBadCombination(static_cast<unsigned>(groupBy), period.seconds) ? AutomaticPeriod() : period;
+}
+
+void ZRVirtualLoggerDataExplorer::SelectViewer(int kind)
+{
+    m_explorer.SelectViewer(kind);
+    ShowNow();
+}
+
+void ZRVirtualLoggerDataExplorer::SetupData(const ZRDateTime& date, int groupBy, const ZRDateTimeSpan& period,
+                                            bool force)
+{
+    m_explorer.SetupData(date, groupBy, period, force);
+    ShowNow();
+}
+
+void ZRVirtualLoggerDataExplorer::Reload()
+{
+    LoggerWindow& window = m_explorer.Window();
+    window.SetupDataAtPeriod(window.dateTo, window.groupBy, true);
+    ShowNow();
+}
+
+void ZRVirtualLoggerDataExplorer::RunCommand(unsigned command)
+{
+    m_explorer.OnCommand(command);
+    ShowNow();
+}
+
+void ZRVirtualLoggerDataExplorer::ShowNow()
+{
+    UpdateCommands();
+    OnShown();
+    if (std::exchange(m_closesLater, false)) {
+        QMetaObject::invokeMethod(
+            this, [this] { close(); }, Qt::QueuedConnection);
+    }
+}
+
+void ZRVirtualLoggerDataExplorer::UpdateNext(CCmdUI* cmdUI)
+{
+    cmdUI->Enable(m_explorer.Window().UpdateNext());
+}
+
+void ZRVirtualLoggerDataExplorer::UpdateCommands()
+{
+    for (const ExplorerButton& button : kExplorerButtons) {
+        ButtonState state(m_toolBar, button.command);
+        if (button.command == kCommandNext && m_explorer.IsEnabled(kCommandPrevious)) {
+            UpdateNext(&state);
+        } else {
+            state.Enable(m_explorer.IsEnabled(button.command));
+        }
+    }
+}
+
+// The loader waits for the dialog, and has ended when this returns, even where the program's end has taken the dialog's
+// loop away.
+void ZRVirtualLoggerDataExplorer::RunLoad(const std::function<void(zr::Progress&)>& work)
+{
+    CDlgProgress dialog(this);
+    const ZRBasicString title(Wide(kTextLoading));
+    m_loading = &dialog;
+    std::thread loader([&] {
+        dialog.WaitForWindow();
+        dialog.SetTitle(title);
+        dialog.SetText(kLoadingText);
+        work(dialog);
+        dialog.End(true);
+    });
+    dialog.DoModal();
+    m_wasLoadStopped = dialog.IsCancelled();
+    dialog.Cancel();
+    loader.join();
+    m_loading = nullptr;
+}
+
+bool ZRVirtualLoggerDataExplorer::ChooseDate(const COleDateTime& offered, ZRDateTime& chosen)
+{
+    CGoToDateDlg dialog(nullptr);
+    dialog.SetDate(offered.Date());
+    // It stands on its button.
+    const QPoint corner = m_toolBar.mapToGlobal(m_toolBar.GetButtonRect(kCommandGoTo).topLeft());
+    dialog.SetLeftBottomPosition(corner.x(), corner.y());
+    if (dialog.DoModal() != static_cast<int>(zr::ui::IDOK)) {
+        return false;
+    }
+    chosen = dialog.GetDate();
+    return true;
+}
+
+bool ZRVirtualLoggerDataExplorer::CreateGroupByMenu(CMenu& menu)
+{
+    Fill(menu, m_explorer.GroupByMenu(), this);
+    return true;
+}
+
+bool ZRVirtualLoggerDataExplorer::CreatePeriodMenu(CMenu& menu)
+{
+    Fill(menu, m_explorer.PeriodMenu(), this);
+    return true;
+}
+
+void ZRVirtualLoggerDataExplorer::DropMenu(unsigned command, const std::function<bool(CMenu&)>& fill)
+{
+    auto* const menu = new CMenu(this, {});
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    fill(*menu);
+    menu->popup(m_toolBar.mapToGlobal(m_toolBar.GetButtonRect(command).bottomLeft()) + QPoint(0, 1));
+}
+
+void ZRVirtualLoggerDataExplorer::OnDropDown(int command)
+{
+    if (command == static_cast<int>(kCommandGroupBy)) {
+        DropMenu(kCommandGroupBy, [this](CMenu& menu) { return CreateGroupByMenu(menu); });
+    } else if (command == static_cast<int>(kCommandPeriod)) {
+        DropMenu(kCommandPeriod, [this](CMenu& menu) { return CreatePeriodMenu(menu); });
+    }
+    MoreDropDown(command);
+}
+
+void ZRVirtualLoggerDataExplorer::OnChevronPushed(const QRect& chevron)
+{
+    std::vector<ShownButton> buttons;
+    for (const unsigned id : m_toolBar.Buttons()) {
+        const QRect place = m_toolBar.GetButtonRect(id);
+        buttons.push_back({id,
+                           ZRBasicString(zr::ui::FromQt(m_toolBar.GetButtonText(id))),
+                           m_toolBar.IsDropDown(id),
+                           m_toolBar.IsButtonEnabled(id),
+                           {place.left(), place.right() + 1}});
+    }
+    const QRect visible = m_reBar.GetBandRect();
+    auto* const menu = new CMenu(this, {});
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    Fill(*menu,
+         ChevronMenu(
+             buttons, {visible.left(), visible.right() + 1},
+             [this](unsigned command, ExplorerMenu& entries) { return m_explorer.DropDownMenu(command, entries); }),
+         this);
+    for (const ShownButton& button : buttons) {
+        ExplorerMenu own;
+        const bool isHosts = button.isDropDown && !m_explorer.DropDownMenu(button.command, own);
+        if (isHosts && button.place.right > visible.right() + 1) {
+            auto popup = std::make_unique<CMenu>(this, button.text.Text());
+            if (MoreChevron(*popup, static_cast<int>(button.command)) && !popup->isEmpty()) {
+                popup->setParent(menu, popup->windowFlags());
+                menu->AppendMenu(*popup.release());
+            }
+        }
+    }
+    if (menu->isEmpty()) {
+        delete menu;
+        return;
+    }
+    menu->popup(m_reBar.mapToGlobal(chevron.bottomLeft()));
+}
+
+bool ZRVirtualLoggerDataExplorer::OnCommand(unsigned id, unsigned code, QWidget* from)
+{
+    const bool isOurs = id == kCommandPrevious || id == kCommandNext || id == kCommandGoTo || id == kCommandConfig ||
+                        id == kCommandCopy || FindGroupUnit(id) != nullptr || FindPeriod(id) != nullptr;
+    if (isOurs) {
+        RunCommand(id);
+        return true;
+    }
+    return ZRPrintPreviewDialog::OnCommand(id, code, from);
+}
+
+bool ZRVirtualLoggerDataExplorer::OnNotify(const zr::ui::NMHDR& notice)
+{
+    if (notice.idFrom == kToolBarId && notice.code == zr::ui::TBN_DROPDOWN) {
+        OnDropDown(static_cast<int>(reinterpret_cast<const zr::ui::NMTOOLBAR&>(notice).iItem));
+        return true;
+    }
+    if (notice.idFrom == kReBarId && notice.code == zr::ui::RBN_CHEVRONPUSHED) {
+        OnChevronPushed(reinterpret_cast<const zr::ui::NMREBARCHEVRON&>(notice).rc);
+        return true;
+    }
+    return ZRPrintPreviewDialog::OnNotify(notice);
+}
+
+void ZRVirtualLoggerDataExplorer::OnSize(int width, int height)
+{
+    const int bar = m_reBar.GetBarHeight();
+    m_reBar.setGeometry(0, std::max(height - bar, 0), width, bar);
+    if (viewer != nullptr) {
+        viewer->setGeometry(0, 0, width, std::max(height - bar, 0));
+    }
+}
+
+void ZRVirtualLoggerDataExplorer::resizeEvent(QResizeEvent* event)
+{
+    ZRPrintPreviewDialog::resizeEvent(event);
+    OnSize(width(), height());
+}
+
+// Next is offered once its window has begun, which no command tells.
+bool ZRVirtualLoggerDataExplorer::event(QEvent* event)
+{
+    if (event->type() == QEvent::WindowActivate) {
+        UpdateCommands();
+    }
+    return ZRPrintPreviewDialog::event(event);
+}
+
+void ZRVirtualLoggerDataExplorer::closeEvent(QCloseEvent* event)
+{
+    if (m_loading != nullptr) {
+        m_loading->Cancel();
+        m_closesLater = true;
+    }
+    if (m_loading != nullptr || m_isPrinting) {
+        event->ignore();
+        return;
+    }
+    OnDestroy();
+    event->accept();
+}
+
+void ZRVirtualLoggerDataExplorer::OnDestroy()
+{
+    if (!std::exchange(m_isDestroyed, true)) {
+        m_explorer.DestroyViewer();
+    }
+}
+
+bool ZRVirtualLoggerDataExplorer::OnPreparePrinting(CPrintInfo* info)
+{
+    const unsigned flags = info->m_pPD->m_flags;
+    if (viewer == nullptr || viewer->OnPreparePrinting(info) == 0) {
+        info->m_pPD->m_flags = flags;
+        return false;
+    }
+    return true;
+}
+
+void ZRVirtualLoggerDataExplorer::OnBeginPrinting(CDC* dc, CPrintInfo* info)
+{
+    m_isPrinting = true;
+    if (viewer != nullptr) {
+        viewer->OnBeginPrinting(dc, info);
+    }
+}
+
+void ZRVirtualLoggerDataExplorer::OnPrint(CDC* dc, CPrintInfo* info)
+{
+    viewer->Print(dc, info);
+}
+
+void ZRVirtualLoggerDataExplorer::OnEndPrinting(CDC* dc, CPrintInfo* info)
+{
+    if (viewer != nullptr) {
+        viewer->OnEndPrinting(dc, info);
+    }
+    m_isPrinting = false;
+}

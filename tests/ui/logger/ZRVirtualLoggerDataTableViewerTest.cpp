@@ -1,0 +1,158 @@
+#include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
+
+#include "logger/SuiteKey.h"
+#include "ui/logger/ExplorerFixture.h"
+
+#include <QScrollBar>
+
+namespace zr::logger {
+namespace {
+
+using ZRVirtualLoggerDataTableViewerTest = ExplorerFixture;
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, PutsTheCaptionAboveTheList)
+{
+    Open();
+    const auto* const caption = dynamic_cast<const QLabel*>(ui::FindControl(Viewer(), ui::kTableCaption));
+    ASSERT_NE(caption, nullptr);
+    EXPECT_EQ(caption->geometry(), QRect(0, 0, Viewer().width(), caption->fontMetrics().height()));
+    EXPECT_TRUE(caption->alignment().testFlag(Qt::AlignHCenter));
+    EXPECT_EQ(ui::ControlId(List()), 150U);
+    EXPECT_EQ(List().geometry(), QRect(0, caption->height(), Viewer().width(), Viewer().height() - caption->height()));
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, HasAColumnForTheTimeAndEachVariable)
+{
+    Open();
+    ASSERT_EQ(List().GetColumnCount(), 4);
+    EXPECT_EQ(Title(0), "Date and time");
+    EXPECT_EQ(Title(1), "M Voltage (V)");
+    EXPECT_EQ(Title(3), "M Power factor (PF)");
+    EXPECT_EQ(List().GetColumnWidth(1), 100);
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, MakesTheTimeColumnAsWideAsADateAtFirst)
+{
+    Open();
+    EXPECT_EQ(List().GetColumnWidth(0), List().GetStringWidth(u"30-12-2002 23:58"));
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, KeepsTheWidthOfTheTimeColumnFromWindowToWindow)
+{
+    Open();
+    List().horizontalHeader()->resizeSection(0, 211);
+    window.close();
+    ExplorerWindow another;
+    another.Create(nullptr);
+    another.Setup(Info({u"M.U"}), nullptr);
+    another.SelectViewer(kTableViewer);
+    EXPECT_EQ(dynamic_cast<ZRVirtualLoggerDataTableViewer&>(*another.Viewer()).List()->GetColumnWidth(0), 211);
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, ShowsTheTimeAloneInTheRowsOfADay)
+{
+    RecordVoltages(kDay, {2301});
+    OpenWeek();
+    window.SetupData(Date(31, 12, 2002), kGroupByMonth, kEveryRecord, false);
+    EXPECT_EQ(Cell(0, 0), "30/12/2002 00:00:00");
+    window.SetupData(Date(31, 12, 2002), kGroupByDay, kEveryRecord, false);
+    EXPECT_EQ(Cell(0, 0), "00:00:00");
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, ShowsAPowerFactorBelowTheLimitAsOne)
+{
+    Record(u"M.PF", kDay, -1.0);
+    OpenWeek();
+    EXPECT_EQ(Cell(0, 3), "1.000");
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, AnswersTheListOnlyWhatItAsksFor)
+{
+    RecordVoltages(kDay, {2301});
+    OpenWeek();
+    const ui::NMLVDISPINFO other{{&List(), ui::kTableList, ui::LVN_GETDISPINFO}, 0x0002, 0, 1, u"as it was"};
+    EXPECT_TRUE(ui::SendNotify(&Viewer(), other.hdr));
+    EXPECT_EQ(other.text, u"as it was");
+    const ui::NMLVDISPINFO asked{{&List(), ui::kTableList, ui::LVN_GETDISPINFO}, ui::LVIF_TEXT, 0, 1, {}};
+    EXPECT_TRUE(ui::SendNotify(&Viewer(), asked.hdr));
+    EXPECT_EQ(asked.text, u"230.1");
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, HasNoRowsWhileTheDataAreInvalid)
+{
+    RecordVoltages(kDay, {2301, 2302});
+    OpenWeek();
+    Viewer().SetInvalidData(true);
+    EXPECT_TRUE(Viewer().InvalidData());
+    EXPECT_EQ(List().GetItemCount(), 0);
+    EXPECT_EQ(Cell(0, 0), "");
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, CarriesColumnsThatTheUserDraggedIntoTheSettings)
+{
+    Open();
+    List().SetColumnOrder(3, 1);
+    List().horizontalHeader()->resizeSection(3, 64);
+    window.close();
+    const XmlNode* const entry = window.Config().root->Node(u"Table/VarSetup?Var=M.PF?");
+    ASSERT_NE(entry, nullptr);
+    EXPECT_EQ(entry->Value(u"Index", u""), u"0");
+    EXPECT_EQ(entry->Value(u"Width", u""), u"64");
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, ScrollsThroughItsRowsByKeys)
+{
+    RecordVoltages(kDay, std::vector<double>(1000, 2300));
+    OpenWeek();
+    List().setFocus();
+    QTest::keyClick(&List(), Qt::Key_End);
+    EXPECT_EQ(List().currentIndex().row(), 999);
+    EXPECT_EQ(List().verticalScrollBar()->value(), List().verticalScrollBar()->maximum());
+    QTest::keyClick(&List(), Qt::Key_PageUp);
+    const int row = List().currentIndex().row();
+    EXPECT_LT(row, 999);
+    QTest::keyClick(&List(), Qt::Key_PageDown);
+    EXPECT_EQ(List().currentIndex().row(), 999);
+    QTest::keyClick(&List(), Qt::Key_Home);
+    EXPECT_EQ(List().currentIndex().row(), 0);
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, SelectsWholeRows)
+{
+    RecordVoltages(kDay, {2301, 2302, 2303, 2304});
+    OpenWeek();
+    List().setFocus();
+    const auto click = [this](int row, Qt::KeyboardModifiers keys) {
+        QTest::mouseClick(List().viewport(), Qt::LeftButton, keys,
+                          List().visualRect(List().model()->index(row, 1)).center());
+    };
+    click(0, Qt::NoModifier);
+    click(1, Qt::ShiftModifier);
+    click(3, Qt::ControlModifier);
+    auto ranges = List().GetSelectedRanges();
+    std::sort(ranges.begin(), ranges.end());
+    EXPECT_EQ(ranges, (std::vector<std::pair<int, int>>{{0, 1}, {3, 3}}));
+    QTest::keyClick(&List(), Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(List().GetSelectedRanges(), (std::vector<std::pair<int, int>>{{0, 3}}));
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, LosesTheSelectionWithTheRows)
+{
+    RecordVoltages(kDay, {2301, 2302});
+    OpenWeek();
+    List().selectAll();
+    window.Reload();
+    EXPECT_TRUE(List().GetSelectedRanges().empty());
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, BreaksLongTitlesIntoLines)
+{
+    Open({u"M.U"});
+    const int oneLine = List().horizontalHeader()->height();
+    List().horizontalHeader()->resizeSection(1, 60);
+    QApplication::processEvents();
+    EXPECT_GT(List().horizontalHeader()->height(), oneLine);
+}
+
+}  // namespace
+}  // namespace zr::logger

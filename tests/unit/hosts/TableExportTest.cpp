@@ -1,0 +1,92 @@
+#include "hosts/kestrix/TableExport.h"
+
+#include "unit/logger/LoggedFixture.h"
+
+#include <limits>
+
+namespace zr::desktop {
+namespace {
+
+using logger::Date;
+using logger::FindValueColumns;
+using logger::MatchBy;
+
+class TableExportTest : public logger::LoggedFixture {
+protected:
+    // Every record of the day with M.U and M.PF.
+    ExportedTable Table()
+    {
+        ZRLoggerInfo info = Info({u"M.U", u"M.PF"});
+        info.Lock();
+        profile.AddVariable(u"M.U", u"M Voltage", 0, 1, -1, 1, 100, 0);
+        profile.AddVariable(u"M.PF", u"M \"Power\", factor", 1, 7, 0, 3, 100, 0);
+        ExportedTable table;
+        table.titles = {"Date and time", "M Voltage (V)", "M \"Power\", factor (PF)"};
+        table.values = FindValueColumns(profile, info, MatchBy::Name);
+        table.group = &LoadDay(info);
+        table.zone = TimeZone(3600, {});
+        table.offsetTitle = "UTC offset";
+        return table;
+    }
+
+    ZRTableProfile profile;
+    std::string reason;
+};
+
+TEST_F(TableExportTest, WritesTimesWithTheirZoneAndNumbersWithAPoint)
+{
+    RecordVoltages(kDay, {2301, 2302});
+    Record(u"M.PF", kDay, 0.5);
+    ASSERT_TRUE(WriteCsv(Table(), folder / "table.csv", reason)) << reason;
+    EXPECT_EQ(folder.Read("table.csv"),
+              "Date and time,M Voltage (V),\"M \"\"Power\"\", factor (PF)\"\r\n"
+              "2002-12-30T00:00:00+01:00,230.1,0.500\r\n2002-12-30T00:01:00+01:00,230.2,\r\n");
+}
+
+TEST_F(TableExportTest, WritesTheTitlesAloneForNoRecords)
+{
+    ASSERT_TRUE(WriteCsv(Table(), folder / "table.csv", reason));
+    EXPECT_EQ(folder.Read("table.csv"), "Date and time,M Voltage (V),\"M \"\"Power\"\", factor (PF)\"\r\n");
+}
+
+TEST_F(TableExportTest, TellsWhyAFileWasNotWritten)
+{
+    RecordVoltages(kDay, {2301});
+    EXPECT_FALSE(WriteCsv(Table(), folder / "none" / "table.csv", reason));
+    EXPECT_FALSE(reason.empty());
+    reason.clear();
+    EXPECT_FALSE(WriteXlsx(Table(), folder / "none" / "table.xlsx", reason));
+    EXPECT_FALSE(reason.empty());
+}
+
+TEST_F(TableExportTest, WritesAWorkbookAndLeavesNothingBesideIt)
+{
+    RecordVoltages(kDay, {2301});
+    ASSERT_TRUE(WriteXlsx(Table(), folder / "table.xlsx", reason)) << reason;
+    EXPECT_EQ(folder.Read("table.xlsx").substr(0, 4), "PK\x03\x04");
+    EXPECT_FALSE(std::filesystem::exists(folder / "table.xlsx.part"));
+}
+
+TEST_F(TableExportTest, TellsTheSecondPassOfADoubledHourByTheOrder)
+{
+    // 1 hour ahead of UTC until 2002-10-27 01:00 UTC of the moment, when 2 hours become 1.
+    const std::int64_t change = 1035680400;
+    const TimeZone zone(7200, {{change, 3600}});
+    RecordOffsets offsets(zone);
+    const auto at = [](int hour, int minute) { return Date(27, 10, 2002, hour, minute); };
+    EXPECT_EQ(offsets.Of(at(2, 0)), 7200);
+    EXPECT_EQ(offsets.Of(at(2, 30)), 7200);
+    EXPECT_EQ(offsets.Of(at(2, 0)), 3600);
+    EXPECT_EQ(offsets.Of(at(2, 30)), 3600);
+    EXPECT_EQ(offsets.Of(at(3, 0)), 3600);
+}
+
+TEST_F(TableExportTest, WritesOffsetsOfBothSigns)
+{
+    EXPECT_EQ(OffsetText(0), "+00:00");
+    EXPECT_EQ(OffsetText(20700), "+05:45");
+    EXPECT_EQ(OffsetText(-12600), "-03:30");
+}
+
+}  // namespace
+}  // namespace zr::desktop

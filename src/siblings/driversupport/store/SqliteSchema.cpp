@@ -142,7 +142,14 @@ bool PrepareSqliteSchema(SqliteConnection& connection, std::string& why)
 {
     std::int64_t version = 0;
     why.clear();
-    if (!ReadVersion(connection, version, why) || (version < kSqliteStoreVersion && !Migrate(connection, why))) {
+    {
+        // All from one moment: another program may make the tables meanwhile.
+        const SqliteTransaction transaction(connection, SqliteTransaction::Kind::Read);
+        if (!transaction.IsOpen() || !ReadVersion(connection, version, why)) {
+            return false;
+        }
+    }
+    if (version < kSqliteStoreVersion && !Migrate(connection, why)) {
         return false;
     }
     return HasTables(connection, kTables1, why) && HasTables(connection, kTables2, why);

@@ -2,38 +2,12 @@
 
 #include "platform/FileReplace.h"
 #include "platform/posix/FileDescriptor.h"
+#include "platform/posix/FileWriting.h"
 
 #include <fcntl.h>
 #include <unistd.h>
-#include <cerrno>
-#include <cstring>
 
 namespace zr {
-namespace {
-
-bool Fail(std::string& reason, const char* what)
-{
-    const int error = errno;
-    reason = std::string(what) + ": " + std::strerror(error);
-    return false;
-}
-
-bool WriteAll(int descriptor, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written < 0) {
-            return false;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
-
-}  // namespace
 
 struct AppendFile::Holding {
     FileDescriptor descriptor;
@@ -49,7 +23,7 @@ bool AppendFile::Create(const std::filesystem::path& path, std::string& reason)
     Close();
     FileDescriptor descriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0600));
     if (!descriptor.IsOpen()) {
-        return Fail(reason, "can't be made");
+        return FailBySystem(reason, "can't be made");
     }
     if (!FlushFolder(path.has_parent_path() ? path.parent_path() : ".", reason)) {
         ::unlink(path.c_str());
@@ -63,8 +37,8 @@ bool AppendFile::Create(const std::filesystem::path& path, std::string& reason)
 bool AppendFile::Append(std::string_view bytes, std::string& reason)
 {
     const int descriptor = m_holding->descriptor.Get();
-    const bool isDone = (WriteAll(descriptor, bytes) || Fail(reason, "can't be written")) &&
-                        (::fsync(descriptor) == 0 || Fail(reason, "can't be flushed"));
+    const bool isDone = (WriteAll(descriptor, bytes) || FailBySystem(reason, "can't be written")) &&
+                        (::fsync(descriptor) == 0 || FailBySystem(reason, "can't be flushed"));
     if (!isDone) {
         // After a flush that failed nobody can tell what is on the disk: the file isn't written any more.
         if (::ftruncate(descriptor, static_cast<off_t>(m_size)) != 0) {

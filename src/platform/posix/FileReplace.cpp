@@ -1,22 +1,15 @@
 #include "platform/FileReplace.h"
 
 #include "platform/posix/FileDescriptor.h"
+#include "platform/posix/FileWriting.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <cerrno>
-#include <cstring>
 
 namespace zr {
 namespace {
-
-bool Fail(std::string& reason, const char* what)
-{
-    const int error = errno;
-    reason = std::string(what) + ": " + std::strerror(error);
-    return false;
-}
 
 bool ReadUpTo(int descriptor, std::size_t limit, std::string& out, std::string& reason)
 {
@@ -30,7 +23,7 @@ bool ReadUpTo(int descriptor, std::size_t limit, std::string& out, std::string& 
             continue;
         }
         if (got < 0) {
-            return Fail(reason, "can't be read");
+            return FailBySystem(reason, "can't be read");
         }
         if (got == 0) {
             out.resize(filled);
@@ -42,21 +35,6 @@ bool ReadUpTo(int descriptor, std::size_t limit, std::string& out, std::string& 
             return false;
         }
     }
-}
-
-bool WriteAll(int descriptor, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written < 0) {
-            return false;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
 }
 
 // The file that a chain of symbolic links ends at, which need not exist.
@@ -83,7 +61,7 @@ bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::st
     const FileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status = {};
     if (!descriptor.IsOpen() || ::fstat(descriptor.Get(), &status) != 0) {
-        return Fail(reason, "can't be opened");
+        return FailBySystem(reason, "can't be opened");
     }
     if (!S_ISREG(status.st_mode)) {
         reason = S_ISDIR(status.st_mode) ? "is a folder" : "is not a regular file";
@@ -129,7 +107,7 @@ bool ReplacingFile::Open(const std::filesystem::path& path, std::string& reason)
     // mkostemp makes it with mode 0600.
     m_state->descriptor = FileDescriptor(::mkostemp(temporary.data(), O_CLOEXEC));
     if (!m_state->descriptor.IsOpen()) {
-        Fail(reason, "no temporary file can be made beside it");
+        FailBySystem(reason, "no temporary file can be made beside it");
         m_state.reset();
         return false;
     }
@@ -140,7 +118,7 @@ bool ReplacingFile::Open(const std::filesystem::path& path, std::string& reason)
 bool ReplacingFile::Write(std::string_view bytes, std::string& reason)
 {
     if (!WriteAll(m_state->descriptor.Get(), bytes)) {
-        Fail(reason, "can't be written");
+        FailBySystem(reason, "can't be written");
         m_state.reset();
         return false;
     }
@@ -151,13 +129,13 @@ bool ReplacingFile::Commit(std::string& reason)
 {
     const std::unique_ptr<State> state = std::move(m_state);
     if (::fsync(state->descriptor.Get()) != 0) {
-        return Fail(reason, "can't be flushed");
+        return FailBySystem(reason, "can't be flushed");
     }
     if (!state->descriptor.Close()) {
-        return Fail(reason, "can't be closed");
+        return FailBySystem(reason, "can't be closed");
     }
     if (::rename(state->temporary.c_str(), state->target.c_str()) != 0) {
-        return Fail(reason, "can't be replaced");
+        return FailBySystem(reason, "can't be replaced");
     }
     state->temporary.clear();
     return FlushFolder(state->folder, reason);
@@ -168,7 +146,7 @@ bool FlushFolder(const std::filesystem::path& folder, std::string& reason)
     const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     // Some file systems can't flush a folder and say so by EINVAL; there is nothing more to do there.
     if (!descriptor.IsOpen() || (::fsync(descriptor.Get()) != 0 && errno != EINVAL)) {
-        return Fail(reason, "the folder can't be flushed");
+        return FailBySystem(reason, "the folder can't be flushed");
     }
     return true;
 }
@@ -188,7 +166,7 @@ bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason)
         return false;
     }
     if (::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
-        return Fail(reason, ("the folder " + folder.string() + " can't be made").c_str());
+        return FailBySystem(reason, ("the folder " + folder.string() + " can't be made").c_str());
     }
     return true;
 }

@@ -1,32 +1,9 @@
 #include "platform/AppendFile.h"
 
+#include "platform/win32/FileWriting.h"
 #include "platform/win32/Handle.h"
 
-#include <algorithm>
-
 namespace zr {
-namespace {
-
-bool Fail(std::string& reason, const char* what)
-{
-    reason = std::string(what) + ": system error " + std::to_string(::GetLastError());
-    return false;
-}
-
-bool WriteAll(HANDLE file, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        constexpr std::size_t kLargest = 1u << 20;
-        DWORD written = 0;
-        if (!::WriteFile(file, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), kLargest)), &written, nullptr)) {
-            return false;
-        }
-        bytes.remove_prefix(written);
-    }
-    return true;
-}
-
-}  // namespace
 
 struct AppendFile::Holding {
     Handle file;
@@ -45,7 +22,7 @@ bool AppendFile::Create(const std::filesystem::path& path, std::string& reason)
     Handle file(::CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, CREATE_NEW,
                               FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file.IsOpen()) {
-        return Fail(reason, "can't be made");
+        return FailBySystem(reason, "can't be made");
     }
     m_holding = std::make_unique<Holding>(Holding{std::move(file)});
     m_size = 0;
@@ -55,8 +32,8 @@ bool AppendFile::Create(const std::filesystem::path& path, std::string& reason)
 bool AppendFile::Append(std::string_view bytes, std::string& reason)
 {
     const HANDLE file = m_holding->file.Get();
-    const bool isDone = (WriteAll(file, bytes) || Fail(reason, "can't be written")) &&
-                        (::FlushFileBuffers(file) != 0 || Fail(reason, "can't be flushed"));
+    const bool isDone = (WriteAll(file, bytes) || FailBySystem(reason, "can't be written")) &&
+                        (::FlushFileBuffers(file) != 0 || FailBySystem(reason, "can't be flushed"));
     if (!isDone) {
         LARGE_INTEGER end = {};
         end.QuadPart = static_cast<LONGLONG>(m_size);

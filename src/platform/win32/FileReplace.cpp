@@ -1,33 +1,11 @@
 #include "platform/FileReplace.h"
 
+#include "platform/win32/FileWriting.h"
 #include "platform/win32/Handle.h"
 
 #include <windows.h>
-#include <algorithm>
 
 namespace zr {
-namespace {
-
-bool Fail(std::string& reason, const char* what)
-{
-    reason = std::string(what) + ": system error " + std::to_string(::GetLastError());
-    return false;
-}
-
-bool WriteAll(HANDLE file, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        constexpr std::size_t kLargest = 1u << 20;
-        DWORD written = 0;
-        if (!::WriteFile(file, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), kLargest)), &written, nullptr)) {
-            return false;
-        }
-        bytes.remove_prefix(written);
-    }
-    return true;
-}
-
-}  // namespace
 
 bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::string& out, std::string& reason)
 {
@@ -45,7 +23,7 @@ bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::st
         ::SetLastError(error);
     }
     if (!file.IsOpen() || !::GetFileSizeEx(file.Get(), &size)) {
-        return Fail(reason, "can't be opened");
+        return FailBySystem(reason, "can't be opened");
     }
     if (static_cast<unsigned long long>(size.QuadPart) > limit) {
         reason = "larger than " + std::to_string(limit) + " bytes";
@@ -55,7 +33,7 @@ bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::st
     DWORD got = 0;
     if (!::ReadFile(file.Get(), out.data(), static_cast<DWORD>(out.size()), &got, nullptr)) {
         out.clear();
-        return Fail(reason, "can't be read");
+        return FailBySystem(reason, "can't be read");
     }
     out.resize(got);
     return true;
@@ -90,7 +68,7 @@ bool ReplacingFile::Open(const std::filesystem::path& path, std::string& reason)
     state->file = Handle(
         ::CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!state->file.IsOpen()) {
-        return Fail(reason, "no temporary file can be made beside it");
+        return FailBySystem(reason, "no temporary file can be made beside it");
     }
     state->temporary = std::move(temporary);
     m_state = std::move(state);
@@ -100,7 +78,7 @@ bool ReplacingFile::Open(const std::filesystem::path& path, std::string& reason)
 bool ReplacingFile::Write(std::string_view bytes, std::string& reason)
 {
     if (!WriteAll(m_state->file.Get(), bytes)) {
-        Fail(reason, "can't be written");
+        FailBySystem(reason, "can't be written");
         m_state.reset();
         return false;
     }
@@ -111,13 +89,13 @@ bool ReplacingFile::Commit(std::string& reason)
 {
     const std::unique_ptr<State> state = std::move(m_state);
     if (!::FlushFileBuffers(state->file.Get())) {
-        return Fail(reason, "can't be flushed");
+        return FailBySystem(reason, "can't be flushed");
     }
     state->file.Close();
     // Write-through stands in for the flush of the folder.
     if (!::MoveFileExW(state->temporary.c_str(), state->target.c_str(),
                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-        return Fail(reason, "can't be replaced");
+        return FailBySystem(reason, "can't be replaced");
     }
     state->temporary.clear();
     return true;

@@ -105,7 +105,7 @@ int Check(const std::string& title, LoggerStore& store)
 
 int RunCheckStore(int argc, char** argv)
 {
-    CLI::App app("Verifies the store of logged data, block by block, and tells what is in it. Changes nothing.",
+    CLI::App app("Verifies the store of logged data, block by block, and tells what is in it. Changes no sample.",
                  "kestrixd check-store");
     app.footer("Exit status: 0 nothing is wrong, 1 with findings, 2 the store can't be opened, 130 cancelled.");
     StoreArguments arguments(app);

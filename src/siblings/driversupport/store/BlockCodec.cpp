@@ -1,8 +1,8 @@
 #include "siblings/driversupport/store/BlockCodec.h"
 
-#include <array>
+#include "siblings/driversupport/store/WholeNumbers.h"
+
 #include <bit>
-#include <cmath>
 #include <limits>
 
 namespace zr {
@@ -10,10 +10,6 @@ namespace zr {
 namespace {
 
 constexpr std::uint8_t kBits = 0xFF;  // in place of the decimals: values as bits
-constexpr int kMaxDecimalPlaces = 15;
-constexpr double kMaxWhole = 9007199254740992.0;  // 2^53
-constexpr std::array<double, kMaxDecimalPlaces + 1> kPowers = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
 // Differences wrap, so that any two numbers have one.
 std::uint64_t Unsigned(std::int64_t value)
@@ -126,39 +122,6 @@ private:
     bool m_isGood = true;
 };
 
-// The whole number that stands for a value at so many decimals; false when the value doesn't come back from it.
-bool ToWhole(double value, int decimals, std::int64_t& whole)
-{
-    const double power = kPowers[static_cast<std::size_t>(decimals)];
-    const double scaled = std::nearbyint(value * power);
-    if (!(std::fabs(scaled) <= kMaxWhole)) {
-        return false;
-    }
-    whole = static_cast<std::int64_t>(scaled);
-    return std::bit_cast<std::uint64_t>(static_cast<double>(whole) / power) == std::bit_cast<std::uint64_t>(value);
-}
-
-// The fewest decimals at which every value is a whole number; -1 when there are none.
-int DecimalsOf(std::span<const double> values)
-{
-    int decimals = 0;
-    std::int64_t whole = 0;
-    std::size_t tested = 0;  // in a row, at these decimals
-    for (std::size_t i = 0; tested < values.size(); i = (i + 1) % values.size()) {
-        if (ToWhole(values[i], decimals, whole)) {
-            ++tested;
-            continue;
-        }
-        do {
-            if (++decimals > kMaxDecimalPlaces) {
-                return -1;
-            }
-        } while (!ToWhole(values[i], decimals, whole));
-        tested = 1;
-    }
-    return decimals;
-}
-
 void WriteTimes(Writer& writer, std::span<const std::int64_t> times)
 {
     std::uint64_t time = 0;
@@ -177,7 +140,7 @@ void WriteDecimals(Writer& writer, std::span<const double> values, int decimals)
     std::uint64_t before = 0;
     for (const double value : values) {
         std::int64_t whole = 0;
-        ToWhole(value, decimals, whole);
+        WholeOf(value, decimals, whole);
         writer.Code(ZigZag(Unsigned(whole) - before));
         before = Unsigned(whole);
     }
@@ -222,9 +185,8 @@ bool ReadTimes(Reader& reader, std::span<std::int64_t> times, std::uint64_t star
 
 bool ReadDecimals(Reader& reader, std::span<double> values, int decimals)
 {
-    const double power = kPowers[static_cast<std::size_t>(decimals)];
-    const auto valueOf = [power](std::uint64_t whole) {
-        return static_cast<double>(static_cast<std::int64_t>(whole)) / power;
+    const auto valueOf = [decimals](std::uint64_t whole) {
+        return ValueOf(static_cast<std::int64_t>(whole), decimals);
     };
     std::uint64_t whole = 0;
     for (std::size_t i = 0; i < values.size();) {

@@ -4,41 +4,19 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
+#include <functional>
 
 namespace zr {
 
 namespace {
 
-constexpr int kMaxDecimalPlaces = 15;
-constexpr double kMaxWhole = 9007199254740992.0;  // 2^53
-constexpr std::array<double, kMaxDecimalPlaces + 1> kPowers = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 // Microseconds of the unit of times, by codec less one.
 constexpr std::array<std::int64_t, 3> kUnits = {1, 1000, 1000000};
 
 std::int64_t Wrapped(std::uint64_t value)
 {
     return static_cast<std::int64_t>(value);
-}
-
-// The fewest decimals that serve all values; -1 when none do.
-int DecimalsOf(std::span<const double> values)
-{
-    int decimals = 0;
-    std::int64_t whole = 0;
-    for (std::size_t i = 0; i < values.size();) {
-        if (WholeOf(values[i], decimals, whole)) {
-            ++i;
-        } else if (++decimals > kMaxDecimalPlaces) {
-            return -1;
-        } else {
-            // Those before may not come back from more decimals, if they are large.
-            i = 0;
-        }
-    }
-    return decimals;
 }
 
 // False when it isn't within 2^53.
@@ -66,6 +44,12 @@ std::uint64_t WordOf(std::span<const std::uint8_t> bytes)
     return word;
 }
 
+bool AreTimesOfHour(std::span<const std::int64_t> times, std::int64_t hour)
+{
+    return !times.empty() && HourOf(times.front()) == hour && HourOf(times.back()) == hour &&
+           std::adjacent_find(times.begin(), times.end(), std::greater_equal<>()) == times.end();
+}
+
 }  // namespace
 
 std::int64_t HourOf(std::int64_t time)
@@ -76,22 +60,6 @@ std::int64_t HourOf(std::int64_t time)
 std::int64_t StartOfHour(std::int64_t hour)
 {
     return Wrapped(static_cast<std::uint64_t>(hour) * static_cast<std::uint64_t>(kHourMicros));
-}
-
-bool WholeOf(double value, int decimals, std::int64_t& whole)
-{
-    const double power = kPowers[static_cast<std::size_t>(decimals)];
-    const double scaled = std::nearbyint(value * power);
-    if (!(std::fabs(scaled) <= kMaxWhole)) {
-        return false;
-    }
-    whole = static_cast<std::int64_t>(scaled);
-    return std::bit_cast<std::uint64_t>(ValueOf(whole, decimals)) == std::bit_cast<std::uint64_t>(value);
-}
-
-double ValueOf(std::int64_t whole, int decimals)
-{
-    return static_cast<double>(whole) / kPowers[static_cast<std::size_t>(decimals)];
 }
 
 StoredSummary SummariseBlock(std::span<const std::int64_t> times, std::span<const double> values)
@@ -136,7 +104,8 @@ bool UnpackBlock(std::int64_t series, std::int64_t hour, std::int64_t codec, std
 {
     return codec >= 1 && static_cast<std::size_t>(codec) <= kUnits.size() &&
            CheckOf(series, hour, codec, payload) == check &&
-           DecodeBlock(payload, times, values, StartOfHour(hour), kUnits[static_cast<std::size_t>(codec - 1)]);
+           DecodeBlock(payload, times, values, StartOfHour(hour), kUnits[static_cast<std::size_t>(codec - 1)]) &&
+           times.size() == values.size() && AreTimesOfHour(times, hour);
 }
 
 void MergeSamples(std::span<const LoggerSample> later, std::vector<std::int64_t>& times, std::vector<double>& values)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "siblings/driversupport/store/LoggerStore.h"
+#include "siblings/driversupport/store/WholeNumbers.h"
 
 #include <cstdint>
 #include <span>
@@ -15,12 +16,6 @@ inline constexpr std::int64_t kHourMicros = 3600 * std::int64_t{1000000};
 std::int64_t HourOf(std::int64_t time);
 // The time at which an hour begins.
 std::int64_t StartOfHour(std::int64_t hour);
-
-// The whole number that stands for a value at so many decimals (0 to 15): divided by that power of ten it gives the
-// value bit for bit. False when there is none up to 2^53.
-bool WholeOf(double value, int decimals, std::int64_t& whole);
-// The value of a whole number at so many decimals.
-double ValueOf(std::int64_t whole, int decimals);
 
 // A summary, and whether its numbers are whole ones at so many decimals.
 struct StoredSummary {
@@ -41,7 +36,7 @@ struct PackedBlock {
 // Samples of one hour in order of time, at least one, at most kMaxBlockSamples.
 PackedBlock PackBlock(std::int64_t series, std::int64_t hour, std::span<const std::int64_t> times,
                       std::span<const double> values);
-// False for what PackBlock didn't write for that place.
+// False for what PackBlock didn't write for that place; what it gives is in order of time and within the hour.
 bool UnpackBlock(std::int64_t series, std::int64_t hour, std::int64_t codec, std::int64_t check,
                  std::span<const std::uint8_t> payload, std::vector<std::int64_t>& times, std::vector<double>& values);
 

@@ -1,5 +1,6 @@
 #include "siblings/driversupport/store/DayDigest.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace zr {
@@ -212,6 +213,12 @@ bool ReadSummary(CodeReader& reader, std::int64_t hour, StoredSummary& stored, B
 std::int64_t DayOf(std::int64_t hour)
 {
     return hour / kHoursOfDay - (hour % kHoursOfDay < 0 ? 1 : 0);
+}
+
+std::int64_t FirstHourOf(std::int64_t day)
+{
+    constexpr std::int64_t kFarAway = 200000000;
+    return std::clamp(day, -kFarAway, kFarAway) * kHoursOfDay;
 }
 
 bool DayDigest::Decode(std::span<const std::uint8_t> bytes)

@@ -15,6 +15,9 @@ inline constexpr int kHoursOfDay = 24;
 
 // Days since 1 January 1970 UTC.
 std::int64_t DayOf(std::int64_t hour);
+// The hour at which a day begins. Days that no time of ours lies in, as a file from outside may name them, count as one
+// far away.
+std::int64_t FirstHourOf(std::int64_t day);
 
 class DayDigest {
 public:
@@ -33,7 +36,7 @@ public:
     [[nodiscard]] bool IsEmpty() const { return m_hours == 0; }
     // A bit for each hour of the day that has a block, the first lowest.
     [[nodiscard]] std::uint32_t Hours() const { return m_hours; }
-    [[nodiscard]] std::int64_t FirstHour() const { return m_day * kHoursOfDay; }
+    [[nodiscard]] std::int64_t FirstHour() const { return FirstHourOf(m_day); }
 
 private:
     [[nodiscard]] std::size_t IndexOf(std::int64_t hour) const { return static_cast<std::size_t>(hour - FirstHour()); }

@@ -61,12 +61,6 @@ bool TellsColumns(const SqliteStatement& row, const StoredSummary& stored)
            AreSame(NumberOf(row, 8, decimals), summary.first) && AreSame(NumberOf(row, 9, decimals), summary.last);
 }
 
-bool AreTimesOfHour(const std::vector<std::int64_t>& times, std::int64_t hour)
-{
-    return !times.empty() && HourOf(times.front()) == hour && HourOf(times.back()) == hour &&
-           std::adjacent_find(times.begin(), times.end(), std::greater_equal<>()) == times.end();
-}
-
 bool Count(SqliteConnection& connection, const char* sql, std::size_t& count)
 {
     std::int64_t number = 0;
@@ -150,7 +144,7 @@ std::string TextOfHour(std::int64_t hour)
     std::array<char, 64> text = {};
     std::snprintf(text.data(), text.size(), "%04d-%02u-%02u %02d:00 UTC", static_cast<int>(date.year()),
                   static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                  static_cast<int>(hour - day * kHoursOfDay));
+                  static_cast<int>((hour % kHoursOfDay + kHoursOfDay) % kHoursOfDay));
     return text.data();
 }
 
@@ -199,8 +193,7 @@ void SqliteBlockChecker::CheckRow(LoggerCheck& check)
 std::string SqliteBlockChecker::FaultOf(std::int64_t series, std::int64_t hour)
 {
     const SqliteStatement& row = m_readBlocks;
-    if (!UnpackBlock(series, hour, row.Integer(3), row.Integer(10), row.Bytes(11), m_times, m_values) ||
-        m_times.size() != m_values.size() || !AreTimesOfHour(m_times, hour)) {
+    if (!UnpackBlock(series, hour, row.Integer(3), row.Integer(10), row.Bytes(11), m_times, m_values)) {
         return "its samples are damaged";
     }
     const StoredSummary stored = SummariseBlock(m_times, m_values);

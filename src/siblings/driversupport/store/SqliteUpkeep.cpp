@@ -263,7 +263,8 @@ bool SqliteUpkeep::FirstReference(SqliteSession& session, std::int64_t now, std:
         "SELECT max(hour) FROM (SELECT (SELECT max(hour) FROM block b WHERE b.series = s.series) AS hour FROM series "
         "s)");
     const SqliteStep step = read.Step();
-    const std::int64_t lastHour = step == SqliteStep::Row ? read.Integer(0) : 0;
+    // Hours before 1970 come from nobody's clock.
+    const std::int64_t lastHour = step == SqliteStep::Row ? std::max<std::int64_t>(0, read.Integer(0)) : 0;
     const bool isBehind = step == SqliteStep::Row && !read.IsNull(0) && lastHour < HourOf(now);
     reference = isBehind ? std::min(now, StartOfHour(lastHour) + kHourMicros + kDayMicros) : now;
     return step != SqliteStep::Failed;

@@ -109,10 +109,8 @@ int RunCheckStore(int argc, char** argv)
                  "kestrixd check-store");
     app.footer("Exit status: 0 nothing is wrong, 1 with findings, 2 the store can't be opened, 130 cancelled.");
     StoreArguments arguments(app);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? kCommandDone : kCommandFailed;
+    if (const std::optional<int> status = arguments.Parse(argc, argv)) {
+        return *status;
     }
     std::string error;
     std::unique_ptr<LoggerStore> store;

@@ -262,10 +262,8 @@ int RunExport(int argc, char** argv)
     Words words;
     AddOptions(app, words);
     StoreArguments arguments(app);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? kCommandDone : kCommandFailed;
+    if (const std::optional<int> status = arguments.Parse(argc, argv)) {
+        return *status;
     }
     std::string error;
     CsvExportOptions options;

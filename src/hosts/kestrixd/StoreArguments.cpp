@@ -1,5 +1,6 @@
 #include "hosts/kestrixd/StoreArguments.h"
 
+#include "hosts/kestrixd/Commands.h"
 #include "hosts/supervision/StorePlace.h"
 #include "platform/FileReplace.h"
 #include "platform/Paths.h"
@@ -21,7 +22,7 @@ std::filesystem::path DocumentOf(const std::filesystem::path& recording)
 
 }  // namespace
 
-StoreArguments::StoreArguments(CLI::App& app)
+StoreArguments::StoreArguments(CLI::App& app) : m_app(app)
 {
     app.allow_windows_style_options(false);
     CLI::Option* const store =
@@ -39,6 +40,16 @@ StoreArguments::StoreArguments(CLI::App& app)
         ->type_name("FOLDER")
         ->group("Store");
     store->excludes(recording);
+}
+
+std::optional<int> StoreArguments::Parse(int argc, char** argv)
+{
+    try {
+        m_app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return m_app.exit(error) == 0 ? kCommandDone : kCommandFailed;
+    }
+    return std::nullopt;
 }
 
 bool StoreArguments::Take(std::string& error)

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace CLI {
@@ -15,12 +16,15 @@ class App;
 
 namespace zr::service {
 
-// Adds the options to a parser and holds their words until they are taken. Must outlive the parsing.
+// Adds the options to a parser and holds their words until they are taken. The parser must outlive this.
 class StoreArguments {
 public:
     explicit StoreArguments(CLI::App& app);
     StoreArguments(const StoreArguments&) = delete;
     StoreArguments& operator=(const StoreArguments&) = delete;
+
+    // Parses the command line of the parser that was given. The exit status, where the command is to end with it.
+    [[nodiscard]] std::optional<int> Parse(int argc, char** argv);
 
     // After the parsing: reads the recording file where one tells the store. False with an error.
     bool Take(std::string& error);
@@ -38,6 +42,7 @@ public:
     [[nodiscard]] const RecordingFile& Recording() const { return m_recording; }
 
 private:
+    CLI::App& m_app;
     std::string m_storeText;  // UTF-8, as the arguments are
     std::string m_documentText;
     std::string m_recordingText;

@@ -2,6 +2,7 @@
 #include "integration/service/ServiceFixture.h"
 #include "siblings/driversupport/store/SqliteLoggerStore.h"
 #include "siblings/tools/Utf.h"
+#include "support/SampleMap.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,24 +20,6 @@ constexpr std::int64_t kSecond = 1'000'000;
 constexpr const char* kVoltage =
     R"(<DataSet Name="volts" Period="1" Retention="7"><Variable Name="METER.U1"/></DataSet>)";
 constexpr const char* kFrequency = R"(<DataSet Name="hertz" Period="1"><Variable Name="METER.F"/></DataSet>)";
-
-class Collector final : public LoggerBlockVisitor {
-public:
-    bool OnBlock(LoggerBlock& block) override
-    {
-        std::span<const std::int64_t> times;
-        std::span<const double> values;
-        if (!block.Samples(times, values)) {
-            return false;
-        }
-        for (std::size_t i = 0; i < times.size(); ++i) {
-            samples[times[i]] = values[i];
-        }
-        return true;
-    }
-
-    std::map<std::int64_t, double> samples;
-};
 
 using Samples = std::map<std::int64_t, double>;
 
@@ -94,7 +77,7 @@ protected:
     // As another program reads them, while the service writes; empty while there is no store.
     [[nodiscard]] static Samples Read(const std::filesystem::path& file, const wchar* variable)
     {
-        Collector collector;
+        SampleMap collector;
         if (std::filesystem::is_regular_file(file)) {
             SqliteLoggerStore store(file);
             if (const std::unique_ptr<LoggerReader> reader = store.OpenReader(); reader != nullptr) {

@@ -2,6 +2,7 @@
 // or torn at random, and the store is opened on the rest.
 #include "siblings/driversupport/store/SqliteLoggerStore.h"
 
+#include "support/SampleMap.h"
 #include "support/TempFolder.h"
 #include "unit/loggerdata/TestVfs.h"
 
@@ -190,24 +191,6 @@ private:
     bool m_exists = false;
 };
 
-class TimesAndValues final : public LoggerBlockVisitor {
-public:
-    bool OnBlock(LoggerBlock& block) override
-    {
-        std::span<const std::int64_t> times;
-        std::span<const double> values;
-        if (!block.Samples(times, values)) {
-            return false;
-        }
-        for (std::size_t i = 0; i < times.size(); ++i) {
-            samples[times[i]] = values[i];
-        }
-        return true;
-    }
-
-    std::map<std::int64_t, double> samples;
-};
-
 struct Outcome {
     std::size_t lost = 0;
     std::vector<std::string> corrupt;
@@ -226,9 +209,9 @@ void Look(const std::filesystem::path& file, const Run& run, std::size_t cut, Ou
         return;
     }
     outcome.corrupt.insert(outcome.corrupt.end(), check.findings.begin(), check.findings.end());
-    std::vector<TimesAndValues> read(kVariables);
+    std::vector<test::SampleMap> read(kVariables);
     for (int variable = 0; variable < kVariables; ++variable) {
-        TimesAndValues& visitor = read[static_cast<std::size_t>(variable)];
+        test::SampleMap& visitor = read[static_cast<std::size_t>(variable)];
         if (!reader->ReadBlocks(NameOf(variable), 0, std::numeric_limits<std::int64_t>::max(), LoggerNeed::Samples,
                                 visitor)) {
             outcome.corrupt.push_back(reader->Error());

@@ -5,6 +5,7 @@
 #include "siblings/driversupport/ZRLoggerData.h"
 #include "siblings/driversupport/ZRLoggerInfo.h"
 #include "siblings/graphsupport/CurveInfo.h"
+#include "siblings/graphsupport/DateText.h"
 #include "siblings/graphsupport/GraphColours.h"
 #include "siblings/graphsupport/GraphZoom.h"
 #include "siblings/tools/ZRDateTime.h"
@@ -38,6 +39,9 @@ public:
 
     // As a child of the parent, shown. False when it has been created.
     bool Create(QWidget* parent, unsigned id);
+
+    // How dates are written in tooltip, legend and at the ticks; before it is called as YYYY-MM-DD HH:MM:SS.
+    void SetDateText(zr::graph::DateText text);
 
     // Drops all curves; the mask is 0x7FFFFFFF for all, and nothing else is asked for.
     void ClearVariables(unsigned long mask);

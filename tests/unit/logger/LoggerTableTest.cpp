@@ -78,6 +78,8 @@ TEST_F(LoggerTableTest, AVariableThatCanNotBeDescribedIsLeftOutAndKeepsItsPositi
     Record(u"M.U", kDay, 2300);
     Update();
     EXPECT_EQ(Cell(0, 1), "230.0");
+    // Its place in the list stays what the settings keep at first.
+    EXPECT_EQ(Narrow(document.root->Node(u"Table/VarSetup?Var=M.U?")->Value(u"Index", u"")), "1");
 }
 
 TEST_F(LoggerTableTest, NoVariablesGiveTheTimeColumnAlone)
@@ -201,6 +203,18 @@ TEST_F(LoggerTableTest, OnDestroyStoresTheWidthOfEveryColumn)
     EXPECT_EQ(StoredWidth(u"Column3"), 33U);
     EXPECT_EQ(StoredWidth(u"Column4"), 100U);
     EXPECT_EQ(StoredWidth(u"Column5"), 4711U);
+}
+
+TEST_F(LoggerTableTest, OnDestroyKeepsTheVariablesInTheirOrderAndThePlacesBeside)
+{
+    Show();
+    list.order = {0, 3, 1, 2};
+    table.OnDestroy();
+    Texts kept;
+    for (const XmlNode* const child : document.root->Node(u"Table")->children) {
+        kept.push_back(Narrow(child->Value(u"Var", u"")) + ":" + Narrow(child->Value(u"Index", u"")));
+    }
+    EXPECT_EQ(kept, (Texts{"M.U:1", "M.E:2", "M.PF:0"}));
 }
 
 TEST_F(LoggerTableTest, AnArrangementSurvivesTheViewer)
@@ -385,6 +399,22 @@ TEST_F(LoggerTableTest, CopyFindsAVariableByItsTitleAndSoNotOneThatCameBackFromT
     Update();
     EXPECT_EQ(Cell(0, 1), "1.0");
     EXPECT_EQ(table.ClipboardCopy().TextPlain(), "Date and time\tVoltage (V)\t\r\n00:00:00\t \r\n");
+}
+
+TEST_F(LoggerTableTest, PrintFindsAVariableByItsTitleAsCopyDoes)
+{
+    EvenMeasure measure;
+    Show({u"M.U"});
+    table.Profile()[0].Title = u"Voltage";
+    table.Setup(info, document.root);
+    Record(u"M.U", kDay, 10);
+    Update();
+    table.OnBeginPrinting({1000, 1000, 250}, measure);
+    Texts printed;
+    for (const PrintText& text : table.Print(1, {0, 0, 1000, 1000}, u"").texts) {
+        printed.push_back(Narrow(text.text));
+    }
+    EXPECT_EQ(printed, (Texts{"", "Date and time", "Voltage", "00:00:00", "1 / 1"}));
 }
 
 TEST_F(LoggerTableTest, CopyWhileTheDataAreInvalidHoldsTheTitlesAlone)

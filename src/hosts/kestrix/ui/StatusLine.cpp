@@ -7,10 +7,7 @@
 
 namespace zr::desktop {
 
-StatusLine::StatusLine(QWidget* parent) : QLabel(parent)
-{
-    setTextFormat(Qt::PlainText);
-}
+StatusLine::StatusLine(QWidget* parent) : ElidedLabel(parent) {}
 
 void StatusLine::Show(const QString& text, const QString& tip, bool asksForAttention)
 {
@@ -34,7 +31,7 @@ void StatusLine::TakeColours()
 
 void StatusLine::changeEvent(QEvent* event)
 {
-    QLabel::changeEvent(event);
+    ElidedLabel::changeEvent(event);
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationPaletteChange) {
         TakeColours();
     }

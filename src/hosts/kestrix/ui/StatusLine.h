@@ -1,13 +1,13 @@
 // A line of text at the bottom of a window.
 #pragma once
 
-#include <QLabel>
+#include "hosts/kestrix/ui/ElidedLabel.h"
 
 namespace zr::desktop {
 
-// Plain text, cut where the room ends; the tip has all of it. What asks for attention stands on the ground of a notice,
+// The tip has all of it. What asks for attention stands on the ground of a notice,
 // in the colours in force. UI thread only.
-class StatusLine : public QLabel {
+class StatusLine : public ElidedLabel {
 public:
     explicit StatusLine(QWidget* parent);
 

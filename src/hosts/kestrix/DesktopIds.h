@@ -158,7 +158,8 @@ inline constexpr unsigned kTextLoggedNoValues = 40222;
 inline constexpr unsigned kTextLoggedVanished = 40223;
 inline constexpr unsigned kTextLoggedMore = 40224;
 inline constexpr unsigned kMessageLoadFailed = 40225;
-inline constexpr unsigned kMessageLoggedSettings = 40226;
+inline constexpr unsigned kMessageArrangementNotKept = 40226;
+inline constexpr unsigned kMessageArrangementLost = 40227;
 
 // The page of logged data.
 inline constexpr unsigned kTextLoggedData = 40320;

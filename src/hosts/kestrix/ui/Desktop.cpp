@@ -76,6 +76,7 @@ Desktop::~Desktop()
 {
     m_publicationTimer.stop();
     m_frame.reset();
+    m_supervisor.TakeNotices();  // of what they could not keep
 }
 
 int Desktop::Run()
@@ -95,6 +96,9 @@ int Desktop::Run()
     m_signals = std::make_unique<StopSignals>();
     m_supervisor.Start();
     m_frame = std::make_unique<MainFrame>(m_supervisor, m_settings);
+    if (!TakesPictures()) {
+        m_frame->KeepLoggedDataSettings(ConfigFolder() / "logged-data-windows.xml");
+    }
     StartTimers();
     if (TakesPictures()) {
         return TakePictures();

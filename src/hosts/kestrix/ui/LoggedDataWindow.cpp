@@ -64,7 +64,7 @@ void WantAll(const ZRLoggerInfo& info, XmlNode& root)
 
 }  // namespace
 
-LoggedDataWindow::LoggedDataWindow(QWidget* parent, const ZRBasicString& name, XmlDocument* settings)
+LoggedDataWindow::LoggedDataWindow(QWidget* parent, const ZRBasicString& name, LoggedDataSettings::View* settings)
     : ZRVirtualLoggerDataExplorer(parent), m_name(name), m_settings(settings), m_status(new StatusLine(this))
 {
     m_status->setObjectName(QString::number(kLoggedStatus));
@@ -72,8 +72,8 @@ LoggedDataWindow::LoggedDataWindow(QWidget* parent, const ZRBasicString& name, X
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(FilledText(kTextLoggedTitle, {name}));
     setWindowIcon(ui::NamedImage(QStringLiteral("period")));
-    if (m_settings != nullptr && m_settings->root != nullptr) {
-        Config() = *m_settings;
+    if (m_settings != nullptr && m_settings->tree.root != nullptr) {
+        Config() = m_settings->tree;
     }
     Create(parent);
     resize(kFirstSize);
@@ -89,10 +89,14 @@ void LoggedDataWindow::Open(const ZRLoggerInfo& info)
 {
     WidenTimeColumn(fontMetrics());
     WantAll(info, *Config().root);
-    Setup(info, nullptr);
+    const int usedLast = m_settings != nullptr ? m_settings->viewer : kNoViewer;
+    Setup(info, m_settings != nullptr ? &m_settings->viewer : nullptr);
     const LastChoice last = ReadLastChoice();
     SetPeriod(last.groupBy, last.samplePeriod);
-    SelectViewer(kTableViewer);
+    SelectViewer(usedLast);
+    if (Viewer() == nullptr) {
+        SelectViewer(kTableViewer);
+    }
 }
 
 bool LoggedDataWindow::InitializeToolBar()
@@ -143,10 +147,9 @@ void LoggedDataWindow::OnSize(int width, int height)
 
 void LoggedDataWindow::OnDestroy()
 {
-    const bool hadViewer = Viewer() != nullptr;
     ZRVirtualLoggerDataExplorer::OnDestroy();
-    if (hadViewer && m_settings != nullptr) {
-        *m_settings = Config();
+    if (Data() != nullptr && m_settings != nullptr) {
+        m_settings->tree = Config();
     }
 }
 

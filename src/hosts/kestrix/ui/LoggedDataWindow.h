@@ -1,6 +1,7 @@
 // A window on the logged data of a device or a group.
 #pragma once
 
+#include "hosts/kestrix/LoggedDataSettings.h"
 #include "hosts/kestrix/TableExport.h"
 #include "logger/ui/ZRVirtualLoggerDataExplorer.h"
 
@@ -20,10 +21,11 @@ class LoggedDataWindow : public ZRVirtualLoggerDataExplorer {
 public:
     // name: of the device or group. settings: of this name, kept when the window closes; may be null, is not owned and
     // must outlive the window.
-    LoggedDataWindow(QWidget* parent, const ZRBasicString& name, XmlDocument* settings);
+    LoggedDataWindow(QWidget* parent, const ZRBasicString& name, LoggedDataSettings::View* settings);
     ~LoggedDataWindow() override;
 
-    // The table on the unit and period that the user chose last. Blocks while data are loaded.
+    // The viewer that was in use last, else the table, on the unit and period that the user chose last. Blocks while
+    // data are loaded.
     void Open(const ZRLoggerInfo& info);
     // By the extension: .csv, .xlsx or .pdf. False after the user was told why not.
     bool ExportTo(const std::filesystem::path& file);
@@ -47,7 +49,7 @@ private:
     void TellFailure(const std::string& failure);
 
     ZRBasicString m_name;
-    XmlDocument* m_settings;
+    LoggedDataSettings::View* m_settings;
     StatusLine* m_status;  // Owned by Qt.
     std::string m_toldFailure;
 };

@@ -64,6 +64,7 @@ private:
     QTimer m_publicationTimer;
     QTimer m_signalTimer;
     bool m_isReloadAsked = false;
+    bool m_isEnding = false;  // by a signal, which may come before the message loop runs
 };
 
 Desktop::Desktop(const DesktopOptions& options, QApplication& application)
@@ -108,7 +109,7 @@ int Desktop::Run()
     // With its first picture, which is what a user waits for.
     QApplication::processEvents();
     Log("the window is shown");
-    const int status = QApplication::exec();
+    const int status = m_isEnding ? kEndedAsAsked : QApplication::exec();
     if (!m_settings.Store(ZRKestrixSetup::Get().registryKey)) {
         Log("the places of the windows can't be kept: the user's settings can't be written");
     }
@@ -159,7 +160,8 @@ void Desktop::TakeSignals()
     } else if (signal != StopSignal::None) {
         // Whoever sends it can't answer questions.
         m_frame->KeepSettings();
-        QApplication::quit();
+        m_isEnding = true;
+        MainFrame::EndProgram();
     }
     // A dialog may hold what goes with the old document.
     if (m_isReloadAsked && QApplication::activeModalWidget() == nullptr) {

@@ -74,6 +74,9 @@ public:
     [[nodiscard]] bool ShowsBanner() const;
     // Window place, page and bars into the settings.
     void KeepSettings();
+    // Ends all message loops, also those of dialogs. Windows go with the main window: what is loaded or printed
+    // meanwhile ends at its next step.
+    static void EndProgram();
     // The language of the system among those that there are texts for.
     [[nodiscard]] static std::string SystemLanguage();
     // A new dialog of the help menu; not owned.

@@ -1,13 +1,14 @@
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 
 #include "logger/ui/TableMimeData.h"
+#include "platform/ui/AfxMessageBox.h"
 #include "platform/ui/CDC.h"
 #include "platform/ui/CDialog.h"
+#include "platform/ui/Clipboard.h"
 #include "platform/ui/UiText.h"
+#include "siblings/tools/ZRLoadString.h"
 
 #include <algorithm>
-#include <QClipboard>
-#include <QGuiApplication>
 
 namespace {
 
@@ -50,6 +51,12 @@ unsigned FormatOf(PrintAlign align)
             break;
     }
     return zr::ui::DT_LEFT;
+}
+
+void TellOfMemory(unsigned text)
+{
+    ZRBasicString message;
+    AfxMessageBox(ZRLoadString(text, message).Text(), zr::ui::MB_OK | zr::ui::MB_ICONEXCLAMATION);
 }
 
 }  // namespace
@@ -195,8 +202,19 @@ std::vector<zr::logger::RowRange> ZRVirtualLoggerDataTableViewer::SelectedRows()
 
 void ZRVirtualLoggerDataTableViewer::ClipboardCopy()
 {
-    if (QClipboard* const clipboard = QGuiApplication::clipboard(); clipboard != nullptr) {
-        clipboard->setMimeData(new zr::ui::TableMimeData(m_table.ClipboardCopy()));
+    // Meant: without a clipboard nothing happens, with no message.
+    if (!zr::ui::OpenClipboard()) {
+        return;
+    }
+    zr::logger::TableCopy copy = m_table.ClipboardCopy(m_copyLimit);
+    if (copy.IsEmpty()) {
+        TellOfMemory(zr::logger::kTextNothingCopied);
+        return;
+    }
+    const bool isWhole = copy.IsWhole();
+    zr::ui::SetClipboardData(std::make_unique<zr::ui::TableMimeData>(std::move(copy)));
+    if (!isWhole) {
+        TellOfMemory(zr::logger::kTextNotAllCopied);
     }
 }
 

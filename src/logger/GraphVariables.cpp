@@ -1,5 +1,7 @@
 #include "logger/GraphVariables.h"
 
+#include "logger/GraphColour.h"
+
 #include <algorithm>
 
 namespace zr::logger {
@@ -55,6 +57,13 @@ int AddVariables(ZRGraphProfile& profile, ZRLoggerInfo& info, const std::vector<
     }
     info.Lock();
     return static_cast<int>(names.size());
+}
+
+int AddVariables(ZRGraphProfile& profile, ZRLoggerInfo& info, const std::vector<ZRBasicString>& names)
+{
+    return AddVariables(profile, info, names, [](const ZRGraphProfile& curves, const ZRBasicString& name) {
+        return GetColor(curves, name, 0, static_cast<int>(curves.NVars()));
+    });
 }
 
 }  // namespace zr::logger

@@ -21,5 +21,7 @@ using ColorOf = std::function<unsigned long(ZRGraphProfile& profile, const ZRBas
 // only.
 int AddVariables(ZRGraphProfile& profile, ZRLoggerInfo& info, const std::vector<ZRBasicString>& names,
                  const ColorOf& colorOf);
+// With a colour that is new in the zone; see GetColor.
+int AddVariables(ZRGraphProfile& profile, ZRLoggerInfo& info, const std::vector<ZRBasicString>& names);
 
 }  // namespace zr::logger

@@ -13,6 +13,7 @@ namespace zr {
 namespace {
 
 constexpr std::size_t kColorDigits = 6;
+constexpr ZRBasicString::View kExtension = u".MVDF";
 
 std::string At(const std::string& file, const XmlNode& node, const std::string& reason)
 {
@@ -179,6 +180,12 @@ bool FilterFile::Take(const XmlDocument& filter, const XmlDocument& companion, c
     m_hourTypes = std::move(types);
     m_calendar = std::move(calendar);
     return true;
+}
+
+bool IsFilterName(ZRBasicString::View name)
+{
+    return name.size() > kExtension.size() && name.substr(name.size() - kExtension.size()) == kExtension &&
+           name.find_first_of(u"/\\:") == ZRBasicString::View::npos;
 }
 
 std::string NoCalendarText(const std::filesystem::path& file)

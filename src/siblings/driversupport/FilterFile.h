@@ -23,7 +23,7 @@ public:
 
     struct HourType {
         ZRBasicString name;                  // by IsValidId, so that it fits into a variable reference
-        std::optional<std::uint32_t> color;  // 0xRRGGBB
+        std::optional<std::uint32_t> color;  // 0xBBGGRR
     };
 
     // Reads `file` (hour types: the children of the root's child `hourTypes`, of any tag, by their values `name` and
@@ -49,6 +49,10 @@ private:
     std::vector<HourType> m_hourTypes;
     std::optional<HourCalendar> m_calendar;
 };
+
+// Whether a reference names a filter file by it. References come from documents: a name that leads out of the folder of
+// filter files is none.
+bool IsFilterName(ZRBasicString::View name);
 
 // What a host or a load says of a filter file without one.
 std::string NoCalendarText(const std::filesystem::path& file);

@@ -1,5 +1,6 @@
 #include "logger/GraphVariables.h"
 
+#include "siblings/graphsupport/GraphColours.h"
 #include "unit/logger/LoggedFixture.h"
 
 namespace zr::logger {
@@ -87,6 +88,15 @@ TEST_F(GraphVariablesTest, AVariableThatCanNotBeDescribedIsAddedAllTheSame)
     ASSERT_EQ(profile.NVars(), 1U);
     EXPECT_EQ(Narrow(profile[0].Title), "");
     EXPECT_EQ(info.variables.size(), 1U);
+}
+
+TEST_F(GraphVariablesTest, NewCurvesHaveColoursThatTheZoneLacks)
+{
+    AddVariables(profile, info, {u"M.U", u"M.E", u"M.PF"});
+    ASSERT_EQ(profile.NVars(), 3U);
+    for (unsigned i = 0; i < 3; ++i) {
+        EXPECT_EQ(profile[i].Color, graph::kPredefinedColors[i]);
+    }
 }
 
 TEST_F(GraphVariablesTest, NoNamesChangeNothing)

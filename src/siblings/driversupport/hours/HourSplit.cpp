@@ -9,19 +9,6 @@
 
 namespace zr {
 
-namespace {
-
-constexpr ZRBasicString::View kExtension = u".MVDF";
-
-// References come from documents: a name that leads out of the folder is none.
-bool IsFilterName(ZRBasicString::View name)
-{
-    return name.size() > kExtension.size() && name.substr(name.size() - kExtension.size()) == kExtension &&
-           name.find_first_of(u"/\\:") == ZRBasicString::View::npos;
-}
-
-}  // namespace
-
 HourSplit::Hours HourSplit::Find(const ZRBasicString& filter, const ZRBasicString& hour)
 {
     const Filter& read = Read(filter);

@@ -1,0 +1,36 @@
+// Curves as upright spans written straight into a picture.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace zr::graph {
+
+// Pixels of 32 bits, alpha in the high byte, then red, green and blue, colours multiplied by alpha. Not owned.
+struct PixelArea {
+    std::uint32_t* pixels = nullptr;  // of the top left corner
+    int width = 0;
+    int height = 0;
+    std::ptrdiff_t stride = 0;  // pixels from a row to the next
+};
+
+// What a curve covers of one column of pixels: rows from the top, fractions included. Empty when top > bottom.
+struct RowSpan {
+    float top = 1.0F;
+    float bottom = 0.0F;
+};
+
+struct SpanPen {
+    unsigned style = 0;        // zr::graph::PS_..., dashes run along the curve
+    int width = 1;             // pixels of the picture, at least 1
+    std::uint32_t colour = 0;  // as a pixel, not multiplied
+};
+
+// Blends one span a column, each as wide as the pen beyond its ends and to both sides, with soft edges where it ends
+// within a pixel. Spans may lie outside; there is one for every column of the picture.
+void PaintLine(const PixelArea& area, std::span<const RowSpan> spans, const SpanPen& pen);
+// The same without a pen: filled areas, as of bars.
+void PaintFill(const PixelArea& area, std::span<const RowSpan> spans, std::uint32_t colour);
+
+}  // namespace zr::graph

@@ -6,6 +6,7 @@
 #include "platform/ui/CDialog.h"
 #include "platform/ui/Clipboard.h"
 #include "platform/ui/UiText.h"
+#include "siblings/tools/FormatText.h"
 #include "siblings/tools/ZRLoadString.h"
 
 #include <algorithm>
@@ -234,9 +235,25 @@ void ZRVirtualLoggerDataTableViewer::OnBeginPrinting(CDC* dc, CPrintInfo* info)
     info->SetMaxPage(static_cast<unsigned>(std::max(print.MaxPage(), 0)));
 }
 
-void ZRVirtualLoggerDataTableViewer::OnEndPrinting(CDC*, CPrintInfo*)
+// A column that passes the edge by less than the gap before it, or is wider than the sheet, stands on no page.
+void ZRVirtualLoggerDataTableViewer::OnEndPrinting(CDC*, CPrintInfo* info)
 {
+    const bool isPrinted = !info->m_bPreview && !info->m_bContinuePrinting;
+    const ZRBasicString leftOut =
+        isPrinted ? m_table.LeftOutOfPrint(info->m_rectDraw.left() + info->m_rectDraw.width()) : ZRBasicString();
     m_table.OnEndPrinting();
+    if (leftOut.IsEmpty()) {
+        return;
+    }
+    // Once the printer has done its work.
+    QMetaObject::invokeMethod(
+        this,
+        [leftOut] {
+            ZRBasicString text;
+            AfxMessageBox(zr::FormatText(ZRLoadString(zr::logger::kTextLeftOut, text).Text(), {leftOut}).Text(),
+                          zr::ui::MB_OK | zr::ui::MB_ICONINFORMATION);
+        },
+        Qt::QueuedConnection);
 }
 
 void ZRVirtualLoggerDataTableViewer::Print(CDC* dc, CPrintInfo* info)

@@ -110,6 +110,22 @@ TEST_F(PaperFaultsTest, TellsOfASheetSmallerThanARow)
     ExpectTheTableIsThere();
 }
 
+TEST_F(PaperFaultsTest, TellsOfAColumnThatNoSheetHasRoomFor)
+{
+    const std::u16string name(10000, u'w');
+    test::LiveDevice odd(u"N", {Described(u"X", name.c_str(), 1, 0, 0, 0)});
+    Record(u"N.X", kDay, 1);
+    RecordVoltages(kDay, {2300});
+    Open({u"M.U", u"N.X"});
+    window.SetupData(Date(6, 1, 2003), kGroupByWeek, kEveryRecord, false);
+    EXPECT_EQ(window.PrintToFile(ToQt(File())), Printed::Done);
+    EXPECT_TRUE(messages.empty());
+    QApplication::processEvents();
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_EQ(messages[0], "Not printed, because the sheet is too narrow for it: N " + std::string(58, 'w') +
+                               ".... A wider sheet or another order of the columns may hold it.");
+}
+
 TEST_F(PaperFaultsTest, TellsOfAFolderThatIsNotThere)
 {
     RecordVoltages(kDay, {2300});

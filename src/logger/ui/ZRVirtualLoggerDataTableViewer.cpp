@@ -1,13 +1,15 @@
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 
 #include "logger/ui/TableMimeData.h"
+#include "platform/ui/AfxMessageBox.h"
 #include "platform/ui/CDC.h"
 #include "platform/ui/CDialog.h"
+#include "platform/ui/Clipboard.h"
 #include "platform/ui/UiText.h"
+#include "siblings/tools/FormatText.h"
+#include "siblings/tools/ZRLoadString.h"
 
 #include <algorithm>
-#include <QClipboard>
-#include <QGuiApplication>
 
 namespace {
 
@@ -50,6 +52,12 @@ unsigned FormatOf(PrintAlign align)
             break;
     }
     return zr::ui::DT_LEFT;
+}
+
+void TellOfMemory(unsigned text)
+{
+    ZRBasicString message;
+    AfxMessageBox(ZRLoadString(text, message).Text(), zr::ui::MB_OK | zr::ui::MB_ICONEXCLAMATION);
 }
 
 }  // namespace
@@ -195,8 +203,19 @@ std::vector<zr::logger::RowRange> ZRVirtualLoggerDataTableViewer::SelectedRows()
 
 void ZRVirtualLoggerDataTableViewer::ClipboardCopy()
 {
-    if (QClipboard* const clipboard = QGuiApplication::clipboard(); clipboard != nullptr) {
-        clipboard->setMimeData(new zr::ui::TableMimeData(m_table.ClipboardCopy()));
+    // Meant: without a clipboard nothing happens, with no message.
+    if (!zr::ui::OpenClipboard()) {
+        return;
+    }
+    zr::logger::TableCopy copy = m_table.ClipboardCopy(m_copyLimit);
+    if (copy.IsEmpty()) {
+        TellOfMemory(zr::logger::kTextNothingCopied);
+        return;
+    }
+    const bool isWhole = copy.IsWhole();
+    zr::ui::SetClipboardData(std::make_unique<zr::ui::TableMimeData>(std::move(copy)));
+    if (!isWhole) {
+        TellOfMemory(zr::logger::kTextNotAllCopied);
     }
 }
 
@@ -216,9 +235,25 @@ void ZRVirtualLoggerDataTableViewer::OnBeginPrinting(CDC* dc, CPrintInfo* info)
     info->SetMaxPage(static_cast<unsigned>(std::max(print.MaxPage(), 0)));
 }
 
-void ZRVirtualLoggerDataTableViewer::OnEndPrinting(CDC*, CPrintInfo*)
+// A column that passes the edge by less than the gap before it, or is wider than the sheet, stands on no page.
+void ZRVirtualLoggerDataTableViewer::OnEndPrinting(CDC*, CPrintInfo* info)
 {
+    const bool isPrinted = !info->m_bPreview && !info->m_bContinuePrinting;
+    const ZRBasicString leftOut =
+        isPrinted ? m_table.LeftOutOfPrint(info->m_rectDraw.left() + info->m_rectDraw.width()) : ZRBasicString();
     m_table.OnEndPrinting();
+    if (leftOut.IsEmpty()) {
+        return;
+    }
+    // Once the printer has done its work.
+    QMetaObject::invokeMethod(
+        this,
+        [leftOut] {
+            ZRBasicString text;
+            AfxMessageBox(zr::FormatText(ZRLoadString(zr::logger::kTextLeftOut, text).Text(), {leftOut}).Text(),
+                          zr::ui::MB_OK | zr::ui::MB_ICONINFORMATION);
+        },
+        Qt::QueuedConnection);
 }
 
 void ZRVirtualLoggerDataTableViewer::Print(CDC* dc, CPrintInfo* info)

@@ -4,6 +4,7 @@
 #include "logger/ui/ZRVirtualLoggerDataExplorer.h"
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 #include "platform/ui/AfxMessageBox.h"
+#include "platform/ui/Clipboard.h"
 #include "platform/ui/Images.h"
 #include "siblings/tools/ui/CDlgProgress.h"
 #include "support/ManualClock.h"
@@ -56,6 +57,7 @@ protected:
     ~ExplorerFixture() override
     {
         ui::SetModalHook(nullptr);
+        ui::SetClipboardHook(nullptr);
         ui::SetMessageBoxHook(nullptr);
         QApplication::closeAllWindows();
     }

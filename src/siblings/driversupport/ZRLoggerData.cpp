@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 namespace {
 
@@ -313,7 +314,12 @@ ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& peri
         if (m_reader != nullptr) {
             m_failure.clear();
             m_damage.clear();
-            arena = period.seconds > 0 ? BuildGrouped(period.seconds, progress) : BuildRecorded(progress);
+            try {
+                arena = period.seconds > 0 ? BuildGrouped(period.seconds, progress) : BuildRecorded(progress);
+            } catch (const std::bad_alloc&) {
+                // On the thread of a loader nobody else would catch it.
+                m_failure = "not enough memory for so many records";
+            }
         }
         group.reset(new CRecordGroup(std::move(arena), m_zone));
     }

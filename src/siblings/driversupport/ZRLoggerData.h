@@ -77,7 +77,8 @@ public:
     // PeriodCuts and SampleGrouper); periods without a value of any variable have none. Read on the first call, later
     // ones give the same group with its selection. Progress may be null.
     CRecordGroup& RecordGroup(const ZRDateTimeSpan& period, zr::Progress* progress);
-    // Why the store failed when a group was read last; empty when it didn't.
+    // Why the store failed when a group was read last, or that its records were too many for the memory; empty when
+    // neither was so.
     [[nodiscard]] const std::string& Failure() const { return m_failure; }
     // What was damaged in the store, and so left out, when a group was read last: one line each, naming file or node.
     [[nodiscard]] const std::vector<std::string>& Damage() const { return m_damage; }

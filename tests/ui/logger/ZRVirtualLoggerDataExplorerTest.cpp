@@ -554,6 +554,7 @@ TEST_F(ZRVirtualLoggerDataExplorerTest, MarksTheEntryInForceAsOneOutOfSeveral)
             marked += entry->isChecked() ? 1 : 0;
         }
         EXPECT_EQ(marked, 1);
+        EXPECT_TRUE(test::KeepPicture(menu->grab().toImage(), "explorer-menu.png"));
         menu->close();
     }
 }

@@ -323,7 +323,8 @@ void ZRVirtualLoggerDataExplorer::DropMenu(unsigned command, const std::function
     auto* const menu = new CMenu(this, {});
     menu->setAttribute(Qt::WA_DeleteOnClose);
     fill(*menu);
-    menu->popup(m_toolBar.mapToGlobal(m_toolBar.GetButtonRect(command).bottomLeft()) + QPoint(0, 1));
+    const QRect button = m_toolBar.GetButtonRect(command);
+    menu->popup(m_toolBar.mapToGlobal(button.topLeft() + QPoint(0, button.height() + 1)));
 }
 
 void ZRVirtualLoggerDataExplorer::OnDropDown(int command)

@@ -81,7 +81,6 @@ bool ZRVirtualLoggerDataTableViewer::Create(QWidget* parent, unsigned id)
     m_list = new CVirtualListCtrl(this, zr::ui::kTableList);
     // A style draws its frame thinner than the room for it where the screen is scaled, and nothing is behind it.
     m_list->setAutoFillBackground(true);
-    m_caption->setFont(m_list->font());
     setFocusProxy(m_list);
     OnSize(width(), height());
     return true;
@@ -139,6 +138,10 @@ void ZRVirtualLoggerDataTableViewer::OnSize(int width, int height)
     if (m_list == nullptr) {
         return;
     }
+    // Of every property, since one that the list has from its style alone would count for nothing.
+    QFont font;
+    font.fromString(m_list->font().toString());
+    m_caption->setFont(font);
     const int line = m_caption->fontMetrics().height();
     m_caption->setGeometry(0, 0, width, line);
     m_list->setGeometry(0, line, width, std::max(height - line, 0));

@@ -41,7 +41,7 @@ PeerPlot::~PeerPlot() = default;
 void PeerPlot::Prepare(const LoggedCurves& curves)
 {
     const std::vector<double> times = curves.Times();
-    m_parts->times.assign(times.begin(), times.end());
+    m_parts->times = QVector<double>(times.begin(), times.end());
     m_parts->values.clear();
     for (int curve = 0; curve < kCurves; ++curve) {
         const std::vector<double> values = curves.Values(curve);

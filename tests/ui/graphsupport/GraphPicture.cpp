@@ -1,6 +1,7 @@
 #include "ui/graphsupport/GraphPicture.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <QWidget>
 
@@ -8,13 +9,36 @@ namespace zr::graph {
 
 namespace {
 
-constexpr int kNearly = 40;  // of each part of a colour
+constexpr double kLeastPart = 0.35;  // of a pixel that a soft edge covers
+constexpr double kNearly = 40.0;     // of each part of a colour
 
+using Parts = std::array<double, 3>;
+
+Parts PartsOf(QRgb pixel)
+{
+    return {static_cast<double>(qRed(pixel)), static_cast<double>(qGreen(pixel)), static_cast<double>(qBlue(pixel))};
+}
+
+// Whether a pixel is a colour, or a mixture of it and the ground.
 bool IsNear(QRgb pixel, unsigned long colour)
 {
-    const auto part = [colour](int shift) { return static_cast<int>(colour >> shift & 0xff); };
-    return std::abs(qRed(pixel) - part(0)) <= kNearly && std::abs(qGreen(pixel) - part(8)) <= kNearly &&
-           std::abs(qBlue(pixel) - part(16)) <= kNearly;
+    const Parts ground = PartsOf(kPanelGround);
+    const Parts seen = PartsOf(pixel);
+    const Parts full = PartsOf(qRgb(static_cast<int>(colour & 0xff), static_cast<int>(colour >> 8 & 0xff),
+                                    static_cast<int>(colour >> 16 & 0xff)));
+    double along = 0.0;
+    double length = 0.0;
+    for (std::size_t i = 0; i < ground.size(); ++i) {
+        along += (seen[i] - ground[i]) * (full[i] - ground[i]);
+        length += (full[i] - ground[i]) * (full[i] - ground[i]);
+    }
+    const double part = along / length;
+    for (std::size_t i = 0; i < ground.size(); ++i) {
+        if (std::abs(ground[i] + part * (full[i] - ground[i]) - seen[i]) > kNearly) {
+            return false;
+        }
+    }
+    return part >= kLeastPart;
 }
 
 // Rows of a picture that are mostly ground of curves, with the first and the last column of it.
@@ -34,12 +58,12 @@ Row RowOf(const QImage& image, int y)
             row.right = x;
         }
     }
-    row.isPanel = pixels > image.width() / 3;
+    row.isPanel = pixels > image.width() / 6;
     return row;
 }
 
-// Lines of the grid part a zone by no more than this.
-constexpr int kLine = 2;
+// Lines of the grid and broad curves part a zone by no more than this.
+constexpr int kLine = 12;
 
 std::vector<QRect> FindPanels(const QImage& image, int scale)
 {

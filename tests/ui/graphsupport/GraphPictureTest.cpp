@@ -55,7 +55,8 @@ protected:
             sum += row[0] * 1000.0 / 60.0;
             energy.push_back(sum);
             const double apparent = std::hypot(row[0], row[1]);
-            factor.push_back(apparent > 0.0 ? row[0] / apparent * ((r / 720) % 2 == 0 ? 1.0 : -1.0) : kMissing);
+            factor.push_back(apparent > 0.0 ? row[0] / apparent * (((r - first) / kMinutesOfDay) % 2 == 0 ? 1.0 : -1.0)
+                                            : kMissing);
         }
         RecordEvery(60, u"H.P", values[0]);
         RecordEvery(60, u"H.Q", values[1]);

@@ -4,6 +4,7 @@
 #include "siblings/graphsupport/ui/CurvePainter.h"
 #include "siblings/graphsupport/ui/ScenePainter.h"
 
+#include <algorithm>
 #include <cmath>
 #include <QBuffer>
 #include <QImage>
@@ -21,6 +22,8 @@ constexpr double kScreenDpi = 96.0;
 constexpr double kPointsPerInch = 72.0;
 constexpr double kInchesPerMetre = 100.0 / 2.54;
 constexpr int kPdfDpi = 1200;
+// Curves finer than 300 dots an inch nobody sees, and every reader of the file pays for.
+constexpr double kFinest = 300.0 / kScreenDpi;
 
 // A scene for paper with what it is painted with.
 class PaperScene {
@@ -110,9 +113,12 @@ QByteArray PdfOf(const GraphModel& model, const QSize& size, const QFont& font, 
 void DrawOnPaper(QPainter& painter, const QRect& rect, double scale, const GraphModel& model, const QFont& font,
                  PaperColours colours)
 {
-    const PaperScene scene(model, rect.size(), scale, font, colours);
+    const double dots = std::max(scale / kFinest, 1.0);
+    const QSize size(static_cast<int>(rect.width() / dots), static_cast<int>(rect.height() / dots));
+    const PaperScene scene(model, size, scale / dots, font, colours);
     painter.save();
     painter.translate(rect.topLeft());
+    painter.scale(dots, dots);
     scene.PaintUnder(painter);
     DrawCurves(painter, model, scene.Scene());
     scene.PaintOver(painter);

@@ -38,7 +38,7 @@ SceneColours::SceneColours(const QPalette& palette)
     At(SceneRole::Marker) = Over(text, highlight, 60);
     At(SceneRole::Cursor) = Over(ground, text, 55);
     At(SceneRole::Band) = WithAlpha(highlight, 60);
-    At(SceneRole::BoxGround) = WithAlpha(Over(ground, text, 4), 238);
+    At(SceneRole::BoxGround) = Over(ground, text, 4);
     At(SceneRole::BoxFrame) = Over(ground, text, 40);
     At(SceneRole::Swatch) = text;
     At(SceneRole::SwatchFrame) = Over(face, text, 45);

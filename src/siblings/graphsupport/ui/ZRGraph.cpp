@@ -66,7 +66,10 @@ public:
             return;
         }
         Fit(m_ratio);
-        m_model.SetMode(m_window.mode);
+        // It may have been written from outside. Setting it ends a drag.
+        if (m_window.mode != m_model.Mode()) {
+            m_model.SetMode(m_window.mode);
+        }
         work(m_model);
         Publish();
     }
@@ -119,7 +122,7 @@ public:
         if (!IsReady() || !cursor) {
             return;
         }
-        QStringList words(zr::ui::ToQt(ZRBasicString()));
+        QStringList words(zr::ui::ToQt(m_model.TimeText(*cursor)));
         for (const zr::graph::CurveReading& reading : m_model.ReadingsAt(*cursor)) {
             words += zr::ui::ToQt(reading.title) + QLatin1Char(' ') + zr::ui::ToQt(reading.value);
         }

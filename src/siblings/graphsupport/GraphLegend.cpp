@@ -180,7 +180,7 @@ void AppendLegend(const Legend& legend, const GraphState& state, const GraphTarg
     if (target.texts == nullptr) {
         return;
     }
-    const std::optional<std::int64_t> time = TimeOfReadings(state);
+    const std::optional<std::int64_t> time = TimeOfReadings(state, target.isPaper);
     LegendPainter painter(state, target, out);
     if (time && legend.dateWidth > 0 && !places.empty() && !places[0].IsEmpty()) {
         painter.PutDate(places[0], legend.dateWidth, *time);

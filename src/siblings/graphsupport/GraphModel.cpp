@@ -357,6 +357,11 @@ int GraphModel::CurveAt(Point at) const
     return graph::CurveAt(m_parts->Plan(), m_parts->state, at);
 }
 
+ZRBasicString GraphModel::TimeText(std::int64_t time) const
+{
+    return m_parts->state.Texts().Moment(time, ColumnLength(m_parts->Plan(), m_parts->state));
+}
+
 std::vector<CurveReading> GraphModel::ReadingsAt(std::int64_t time) const
 {
     return graph::ReadingsAt(m_parts->state, time, ColumnLength(m_parts->Plan(), m_parts->state));

@@ -157,6 +157,8 @@ public:
     void RemoveMarkers();
     // The curve within five pixels of scale 1 of a place, the nearest; -1 for none.
     [[nodiscard]] int CurveAt(Point at) const;
+    // Date and clock, as fine as a column of pixels.
+    [[nodiscard]] ZRBasicString TimeText(std::int64_t time) const;
     // One a curve, at a time in view.
     [[nodiscard]] std::vector<CurveReading> ReadingsAt(std::int64_t time) const;
     // One a curve; empty unless both markers stand.

@@ -70,12 +70,12 @@ std::optional<std::int64_t> LastInView(const GraphState& state)
 
 }  // namespace
 
-std::optional<std::int64_t> TimeOfReadings(const GraphState& state)
+std::optional<std::int64_t> TimeOfReadings(const GraphState& state, bool isPaper)
 {
     if (!state.hasData || state.view.IsEmpty()) {
         return std::nullopt;
     }
-    return state.cursor ? state.cursor : LastInView(state);
+    return state.cursor && !isPaper ? state.cursor : LastInView(state);
 }
 
 CurveReading ReadingAt(const GraphState& state, int number, std::int64_t time, std::int64_t columnLength)

@@ -32,8 +32,8 @@ struct MarkerReading {
     ZRBasicString sum;  // of bars; else empty
 };
 
-// The time that the values shown at the cursor are of: the cursor; without one the last record in view.
-std::optional<std::int64_t> TimeOfReadings(const GraphState& state);
+// The time that the values shown in the legend are of: the cursor; without one, and on paper, the last record in view.
+std::optional<std::int64_t> TimeOfReadings(const GraphState& state, bool isPaper);
 // One a curve; a column of pixels is so long. All are "-" where there are no data.
 std::vector<CurveReading> ReadingsAt(const GraphState& state, std::int64_t time, std::int64_t columnLength);
 // The same of one curve.

@@ -191,9 +191,9 @@ void ZRVirtualLoggerDataExplorer::SetPeriod(int groupBy, const ZRDateTimeSpan& p
     window.samplePeriod = IsBadCombination(static_cast<unsigned>(groupBy), period.seconds) ? AutomaticPeriod() : period;
 }
 
-void ZRVirtualLoggerDataExplorer::SelectViewer(int kind)
+void ZRVirtualLoggerDataExplorer::SelectViewer(int kind, Reading reading)
 {
-    m_explorer.SelectViewer(kind);
+    m_explorer.SelectViewer(kind, reading);
     ShowNow();
 }
 

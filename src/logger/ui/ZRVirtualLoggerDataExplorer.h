@@ -53,7 +53,7 @@ public:
 
     // Unit and period for the first load; the automatic period where they don't go together. Before SelectViewer.
     void SetPeriod(int groupBy, const ZRDateTimeSpan& period);
-    void SelectViewer(int kind);
+    void SelectViewer(int kind, zr::logger::Reading reading = zr::logger::Reading::Anew);
     [[nodiscard]] int SelectedViewer() const { return m_explorer.SelectedViewer(); }
     void SetupData(const ZRDateTime& date, int groupBy, const ZRDateTimeSpan& period, bool force);
     // Reads the data of the window anew.

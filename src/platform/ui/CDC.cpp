@@ -17,6 +17,8 @@ int CDC::GetDeviceCaps(int index) const
             return m_device.height();
         case zr::ui::VERTSIZE:
             return m_device.heightMM();
+        case zr::ui::LOGPIXELSX:
+            return m_device.logicalDpiX();
         default:
             return 0;
     }

@@ -19,6 +19,7 @@ namespace zr::ui {
 inline constexpr int VERTSIZE = 6;  // height, millimetres
 inline constexpr int HORZRES = 8;   // width, device units
 inline constexpr int VERTRES = 10;  // height, device units
+inline constexpr int LOGPIXELSX = 88;  // device units of an inch across
 
 // How DrawText places a line.
 inline constexpr unsigned DT_LEFT = 0;
@@ -43,6 +44,8 @@ public:
     [[nodiscard]] QSize GetTextExtent(std::u16string_view text) const;
     // One line, cut off by nothing.
     void DrawText(std::u16string_view text, const QRect& rect, unsigned format);
+    // For windows that draw more than texts and lines.
+    [[nodiscard]] QPainter& Painter() { return m_painter; }
     // Solid, both ends inclusive.
     void DrawLine(QPoint from, QPoint to, int penWidth, const QColor& colour);
 

@@ -67,6 +67,8 @@ public:
     }
     friend bool operator==(const RecordIterator&, const RecordIterator&) = default;
 
+    [[nodiscard]] const RecordNode* Node() const { return m_node; }
+
 private:
     RecordNode* m_node = nullptr;
 };
@@ -95,6 +97,7 @@ public:
     RecordChunk Append(std::size_t records);
 
     [[nodiscard]] std::size_t Size() const { return m_size; }
+    [[nodiscard]] std::size_t ValuesOfRecord() const { return m_valuesOfRecord; }
     // In order.
     [[nodiscard]] std::span<const RecordChunk> Chunks() const { return m_chunks; }
     // Zero-based; Size() is the end.

@@ -218,8 +218,8 @@ std::optional<std::string> GroupColumn(zr::LoggerReader& reader, const ZRBasicSt
 
 }  // namespace
 
-ZRLoggerData::CRecordGroup::CRecordGroup(zr::RecordArena arena, const zr::TimeZone& zone)
-    : m_arena(std::move(arena)), m_zone(zone)
+ZRLoggerData::CRecordGroup::CRecordGroup(zr::RecordArena arena, const ZRDateTimeSpan& period, const zr::TimeZone& zone)
+    : m_arena(std::move(arena)), m_period(period), m_zone(zone)
 {
     Select(0, m_arena.Size());
 }
@@ -233,6 +233,22 @@ void ZRLoggerData::CRecordGroup::SelectData(const ZRDateTime& from, const ZRDate
     const std::size_t firstIndex = m_arena.LowerBound(UtcOf(from, m_zone));
     const std::size_t lastIndex = m_arena.LowerBound(UtcOf(to, m_zone) + (flag ? 0 : 1));
     Select(firstIndex, std::max(firstIndex, lastIndex));
+}
+
+std::int64_t ZRLoggerData::CRecordGroup::EndOfPeriod(std::int64_t time) const
+{
+    const std::int64_t second = time / kMicros;
+    if (m_period.seconds < 1 || second < zr::kFirstZoneSecond || second >= zr::kLastZoneSecond) {
+        return time;
+    }
+    // A period may be longer than its nominal length, by a change of the clock or by days of a month.
+    for (std::int64_t length = m_period.seconds; length < zr::kLastZoneSecond; length *= 2) {
+        const std::vector<std::int64_t> cuts = zr::PeriodCuts(m_zone, second, second + length + 1, m_period.seconds);
+        if (cuts.size() > 2) {
+            return cuts[1] * kMicros;
+        }
+    }
+    return time;
 }
 
 void ZRLoggerData::CRecordGroup::Select(std::size_t firstIndex, std::size_t lastIndex)
@@ -315,7 +331,7 @@ ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& peri
             m_damage.clear();
             arena = period.seconds > 0 ? BuildGrouped(period.seconds, progress) : BuildRecorded(progress);
         }
-        group.reset(new CRecordGroup(std::move(arena), m_zone));
+        group.reset(new CRecordGroup(std::move(arena), period, m_zone));
     }
     return *group;
 }

@@ -46,13 +46,21 @@ public:
 
         // All records of the range, selected or not, with the UTC that tells the passes of a doubled hour apart.
         [[nodiscard]] std::span<const zr::RecordChunk> Chunks() const { return m_arena.Chunks(); }
+        // How many values a record has; 0 where nothing could be read.
+        [[nodiscard]] std::size_t ValuesOfRecord() const { return m_arena.ValuesOfRecord(); }
+        // What the group was built at; 0: as recorded.
+        [[nodiscard]] const ZRDateTimeSpan& Period() const { return m_period; }
+        // Where the period ends that holds a time, both in microseconds since 1970 UTC: the next cut (see PeriodCuts),
+        // be it beyond the range. The time itself for records as recorded, and outside the years of the zones.
+        [[nodiscard]] std::int64_t EndOfPeriod(std::int64_t time) const;
 
     private:
         friend class ZRLoggerData;
-        CRecordGroup(zr::RecordArena arena, const zr::TimeZone& zone);
+        CRecordGroup(zr::RecordArena arena, const ZRDateTimeSpan& period, const zr::TimeZone& zone);
         void Select(std::size_t firstIndex, std::size_t lastIndex);
 
         zr::RecordArena m_arena;
+        ZRDateTimeSpan m_period;
         const zr::TimeZone& m_zone;  // of the data that this is a group of
     };
 

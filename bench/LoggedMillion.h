@@ -48,37 +48,42 @@ double UndisturbedMs(const Work& work)
     return std::min({OnceMs(work), OnceMs(work), OnceMs(work)});
 }
 
-// A minute apart from 1 January 2003, in the plant's time, which is UTC: voltages, powers and counters of one meter,
-// every seventh power missing. Numbers and dates are written as in German, with group marks.
-class LoggedMillion {
+// A meter of ten variables, and a million records of them from 1 January 2003 on, in the plant's time, which is UTC:
+// voltages, powers and counters, every seventh power missing. Numbers and dates are written as in German, with group
+// marks.
+class MillionMeter {
 public:
     static constexpr int kVariables = 10;
     static constexpr std::int64_t kRecords = 1000000;
+    static constexpr std::uint32_t kFirstSecond = 94694400;
 
-    LoggedMillion() : m_meter(u"M", Descriptions())
+    MillionMeter() : m_meter(u"M", Descriptions())
     {
         SetPlantZone(TimeZone());
         SetLocaleInformation("de");
         for (int v = 0; v < kVariables; ++v) {
             m_info.AddVariable(NameOf(v));
         }
-        // What was recorded goes again, so that only what a viewer needs is in memory.
-        MemoryLoggerStore store;
-        Fill(store);
-        SetLoggerStore(&store);
-        m_data.Setup(m_info);
-        const ZRDateTime from(kFirstSecond, 0);
-        const ZRDateTime to(kFirstSecond + 60 * static_cast<std::uint32_t>(kRecords), 0);
-        m_data.SelectData(from, to, nullptr);
-        m_group = &m_data.RecordGroup(ZRDateTimeSpan(0, 0), nullptr);
-        SetLoggerStore(nullptr);
     }
 
     [[nodiscard]] const ZRLoggerInfo& Info() const { return m_info; }
-    [[nodiscard]] const ZRLoggerData::CRecordGroup& Group() const { return *m_group; }
+
+    // With so many seconds from record to record.
+    static void Fill(MemoryLoggerStore& store, int period)
+    {
+        for (int v = 0; v < kVariables; ++v) {
+            const int series = store.OpenSeries(NameOf(v), 1);
+            std::vector<LoggerAppend> batch;
+            for (std::int64_t r = 0; r < kRecords; ++r) {
+                if (v < 4 || v >= 8 || (r + v) % 7 != 0) {
+                    batch.push_back({series, (kEpoch + kFirstSecond + r * period) * kMicros, ValueOf(v, r)});
+                }
+            }
+            store.Append(batch);
+        }
+    }
 
 private:
-    static constexpr std::uint32_t kFirstSecond = 94694400;
     static constexpr std::int64_t kEpoch = 946684800;
     static constexpr std::int64_t kMicros = 1000000;
 
@@ -106,22 +111,35 @@ private:
         return variable < 8 ? std::round(90000.0 * std::sin(number * 0.001 + variable)) / 10.0 : number * 2.5;
     }
 
-    static void Fill(MemoryLoggerStore& store)
-    {
-        for (int v = 0; v < kVariables; ++v) {
-            const int series = store.OpenSeries(NameOf(v), 1);
-            std::vector<LoggerAppend> batch;
-            for (std::int64_t r = 0; r < kRecords; ++r) {
-                if (v < 4 || v >= 8 || (r + v) % 7 != 0) {
-                    batch.push_back({series, (kEpoch + kFirstSecond + r * 60) * kMicros, ValueOf(v, r)});
-                }
-            }
-            store.Append(batch);
-        }
-    }
-
     test::LiveDevice m_meter;
     ZRLoggerInfo m_info;
+};
+
+// The records a minute apart, as a viewer gets them.
+class LoggedMillion {
+public:
+    static constexpr int kVariables = MillionMeter::kVariables;
+    static constexpr std::int64_t kRecords = MillionMeter::kRecords;
+
+    LoggedMillion()
+    {
+        // What was recorded goes again, so that only what a viewer needs is in memory.
+        MemoryLoggerStore store;
+        MillionMeter::Fill(store, 60);
+        SetLoggerStore(&store);
+        m_data.Setup(Info());
+        const ZRDateTime from(MillionMeter::kFirstSecond, 0);
+        const ZRDateTime to(MillionMeter::kFirstSecond + 60 * static_cast<std::uint32_t>(kRecords), 0);
+        m_data.SelectData(from, to, nullptr);
+        m_group = &m_data.RecordGroup(ZRDateTimeSpan(0, 0), nullptr);
+        SetLoggerStore(nullptr);
+    }
+
+    [[nodiscard]] const ZRLoggerInfo& Info() const { return m_meter.Info(); }
+    [[nodiscard]] const ZRLoggerData::CRecordGroup& Group() const { return *m_group; }
+
+private:
+    MillionMeter m_meter;
     ZRLoggerData m_data;
     const ZRLoggerData::CRecordGroup* m_group = nullptr;
 };

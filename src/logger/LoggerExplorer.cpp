@@ -4,13 +4,13 @@ namespace zr::logger {
 
 namespace {
 
-// What is done on the loader's thread: the records of the window are taken anew only where that is asked for.
-void SetupDataWork(ZRLoggerData& data, const LoggerWindow& window, bool select, Progress* progress)
+// What is done on the loader's thread: the records of the window are taken anew only where that is asked for. False
+// when not all could be read.
+bool SetupDataWork(ZRLoggerData& data, const LoggerWindow& window, bool select, Progress* progress)
 {
-    if (select) {
-        data.SelectData(window.dateFrom, window.dateTo, progress);
-    }
+    const bool isSelected = !select || data.SelectData(window.dateFrom, window.dateTo, progress);
     data.RecordGroup(window.samplePeriod, progress).SelectData(window.dateFrom, window.dateTo, true);
+    return isSelected && data.Failure().empty() && !progress->IsCancelled();
 }
 
 }  // namespace
@@ -105,15 +105,16 @@ void LoggerExplorer::Load(bool select)
     if (m_viewer != nullptr) {
         m_viewer->SetInvalidData(true);
     }
-    bool isComplete = false;
-    m_host.RunLoad([&](Progress& progress) {
-        SetupDataWork(*m_data, m_window, select, &progress);
-        isComplete = !progress.IsCancelled() && m_data->Failure().empty();
-    });
+    m_isLoading = true;
+    // What a load that failed or was stopped has left is good for no other period.
+    const bool isAnew = select || !m_loaded;
+    bool isRead = false;
+    m_host.RunLoad([&](Progress& progress) { isRead = SetupDataWork(*m_data, m_window, isAnew, &progress); });
     m_loaded.reset();
-    if (isComplete) {
+    if (isRead) {
         m_loaded = Loaded{m_window.dateFrom, m_window.dateTo, m_window.samplePeriod};
     }
+    m_isLoading = false;
     if (m_viewer != nullptr) {
         UpdateViewer(m_window.samplePeriod);
     }
@@ -179,7 +180,8 @@ bool LoggerExplorer::OnCommand(unsigned command)
 
 bool LoggerExplorer::IsEnabled(unsigned command) const
 {
-    return m_viewer != nullptr && m_data != nullptr && (command != kCommandNext || m_window.UpdateNext());
+    return m_viewer != nullptr && m_data != nullptr && !m_isLoading &&
+           (command != kCommandNext || m_window.UpdateNext());
 }
 
 bool LoggerExplorer::DropDownMenu(unsigned command, ExplorerMenu& menu) const

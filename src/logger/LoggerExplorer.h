@@ -97,7 +97,7 @@ public:
     // Any command of the toolbar, the menus and the keyboard; false for one that isn't the explorer's. One that isn't
     // enabled does nothing.
     bool OnCommand(unsigned command);
-    // All want a viewer; Next wants a window that has ended as well.
+    // All want a viewer and no load under way; Next wants a window that has ended as well.
     [[nodiscard]] bool IsEnabled(unsigned command) const;
 
     [[nodiscard]] ExplorerMenu GroupByMenu() const { return logger::GroupByMenu(m_window.groupBy); }
@@ -145,6 +145,7 @@ private:
     XmlDocument m_config;
     int* m_selectedViewerPtr = nullptr;  // Not owned.
     int m_selectedViewer = kNoViewer;
+    bool m_isLoading = false;
 };
 
 }  // namespace zr::logger

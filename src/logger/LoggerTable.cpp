@@ -113,12 +113,15 @@ bool LoggerTable::OnConfig(const ProfileDialog& dialog)
 {
     ZRTableProfile before;
     before = m_profile;
+    const ZRLoggerInfo infoBefore(m_info);
     ReorderVariables(m_profile, m_list, m_columns, true);
     ZRTableProfile copy;
     copy = m_profile;
     if (!dialog(copy, m_totalProfile, m_info)) {
-        // As it was: the columns on the screen are those of before.
+        // As it was: the columns on the screen are those of before, and the records hold a value for each variable of
+        // before, by position.
         m_profile = before;
+        m_info = infoBefore;
         return false;
     }
     m_profile = copy;
@@ -128,6 +131,10 @@ bool LoggerTable::OnConfig(const ProfileDialog& dialog)
 
 void LoggerTable::OnDestroy()
 {
+    if (m_columns.empty()) {
+        // Nothing was ever shown whose widths could be kept.
+        return;
+    }
     SuiteKey key(kTablesKey);
     for (int column = 0; column <= static_cast<int>(m_profile.NVars()); ++column) {
         key.WriteNumber(FormatText(u"Column%d", {column + 1}).CStr(),

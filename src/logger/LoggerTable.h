@@ -53,13 +53,13 @@ public:
     void GetLoggerInfo(ZRLoggerInfo& out) const;
 
     // The dialog that edits a profile: the copy to edit, the columns as they were at Setup, and the variables, to which
-    // it may add. True when it ended with OK.
+    // it may add and from which it may take. True when it ended with OK.
     using ProfileDialog = std::function<bool(ZRTableProfile& copy, ZRTableProfile& total, ZRLoggerInfo& info)>;
     // Runs the dialog on the columns in the order of the screen. True: the profile is new and the settings are kept,
-    // and the explorer has to set up and to load anew. False: nothing has changed.
+    // and the explorer has to set up and to load anew. False: nothing has changed, whatever the dialog did.
     bool OnConfig(const ProfileDialog& dialog);
 
-    // Keeps widths and arrangement of the columns.
+    // Keeps widths and arrangement of the columns; nothing without a Setup before.
     void OnDestroy();
 
     // The texts of the selected rows, or of all when none is selected.

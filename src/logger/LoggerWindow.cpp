@@ -1,6 +1,7 @@
 #include "logger/LoggerWindow.h"
 
 #include "logger/SuiteKey.h"
+#include "siblings/tools/ZRLocaleInformation.h"
 
 namespace zr::logger {
 
@@ -123,12 +124,17 @@ bool LoggerWindow::BadCombination(unsigned unit, int seconds)
 
 ZRDateTime LoggerWindow::Adjusted(const ZRDateTime& date, int unit) const
 {
-    return AdjustToGroupBy(date, unit, m_firstDayOfWeek);
+    return AdjustToGroupBy(date, unit, FirstDayOfWeek());
 }
 
 ZRDateTime LoggerWindow::Added(const ZRDateTime& date, int unit) const
 {
-    return AddGroupByUnit(date, unit, m_firstDayOfWeek);
+    return AddGroupByUnit(date, unit, FirstDayOfWeek());
+}
+
+int LoggerWindow::FirstDayOfWeek() const
+{
+    return m_firstDayOfWeek != 0 ? m_firstDayOfWeek : LocaleInformationWide().firstDayOfWeek;
 }
 
 }  // namespace zr::logger

@@ -3,7 +3,6 @@
 
 #include "logger/LoggerPeriod.h"
 #include "siblings/tools/ZRDateTime.h"
-#include "siblings/tools/ZRLocaleInformation.h"
 
 namespace zr::logger {
 
@@ -30,10 +29,8 @@ public:
         ~Host() = default;
     };
 
-    explicit LoggerWindow(Host& host, int firstDayOfWeek = LocaleInformationWide().firstDayOfWeek)
-        : m_host(host), m_firstDayOfWeek(firstDayOfWeek)
-    {
-    }
+    // firstDayOfWeek: as ZRDateTime::DayOfWeek(); 0: that of the locale in force whenever it is asked for.
+    explicit LoggerWindow(Host& host, int firstDayOfWeek = 0) : m_host(host), m_firstDayOfWeek(firstDayOfWeek) {}
 
     int groupBy = 0;
     ZRDateTime dateFrom;  // first instant of the window; no date until the first SetupData
@@ -67,6 +64,7 @@ public:
 private:
     [[nodiscard]] ZRDateTime Adjusted(const ZRDateTime& date, int unit) const;
     [[nodiscard]] ZRDateTime Added(const ZRDateTime& date, int unit) const;
+    [[nodiscard]] int FirstDayOfWeek() const;
     // The common ending of the commands that move the window.
     void MoveTo(const ZRDateTime& date);
 

@@ -23,6 +23,8 @@ constexpr std::string_view kHeaderTail =
     "<table width=\"100%\" border=\"0\" cellspacing=\"0\" cellpadding=\"0\">\r\n";
 constexpr std::string_view kTail = "</table>\r\n<!--EndFragment-->\r\n</body>\r\n</html>";
 constexpr std::string_view kLineEnd = "\r\n";
+// Spreadsheets take what begins with "=" for a formula unless a cell says that it is text, each in its own way.
+constexpr std::string_view kTextCell = "<TD SDNUM=\"1033;0;@\" STYLE=\"mso-number-format:'\\@'\">";
 // From the page's first character to the first comment, and from the tail's to the last one.
 constexpr std::size_t kBeforeFragment = 14;
 constexpr std::size_t kTailBeforeFragment = 10;
@@ -319,7 +321,8 @@ std::string TableCopy::TextHtml() const
         "<html><head><meta http-equiv=\"content-type\" content=\"text/html; charset=utf-8\"></head><body>\r\n"
         "<table border=\"0\" cellspacing=\"0\" cellpadding=\"0\">\r\n<TR>";
     for (const ZRBasicString& title : m_titles) {
-        page += "<TD><B>" + EscapedHtml(title) + "</B></TD>";
+        page += kTextCell;
+        page += "<B>" + EscapedHtml(title) + "</B></TD>";
     }
     page += "</TR>\r\n";
     if (m_needsEscape) {

@@ -43,8 +43,8 @@ public:
     // zero stands behind.
     [[nodiscard]] std::u16string_view PlainText() const;
 
-    // For desktops that know media types, both UTF-8: text/html, a page of its own with all texts escaped, and
-    // text/plain, the plain text.
+    // For desktops that know media types, both UTF-8: text/html, a page of its own with all texts escaped and the
+    // titles marked as text, so that none is a formula, and text/plain, the plain text.
     [[nodiscard]] std::string TextHtml() const;
     [[nodiscard]] std::string TextPlain() const;
 

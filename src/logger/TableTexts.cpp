@@ -30,18 +30,6 @@ ZRBasicString Formatted(const ZRDateTime& date, unsigned flags)
     return FormatDateTime(text, date, localeInformationWide, flags);
 }
 
-int WeekNumber(const ZRDateTime& date)
-{
-    switch (localeInformation->weekNumbering) {
-        case 1:
-            return date.WeekOfYearISO8601();
-        case 2:
-            return (date.DayOfYear() - 1) / 7 + 1;
-        default:
-            return 1;
-    }
-}
-
 ZRBasicString WholeCaption(const ZRDateTime& from, const ZRDateTime& lastDay, int groupBy)
 {
     switch (groupBy) {
@@ -49,7 +37,8 @@ ZRBasicString WholeCaption(const ZRDateTime& from, const ZRDateTime& lastDay, in
             return Formatted(from, kCaptionOfDay);
         case kGroupByWeek:
             return FormatText(Loaded(kTextCaptionOfWeek),
-                              {WeekNumber(from), Formatted(from, kCaptionOfWeek), Formatted(lastDay, kCaptionOfWeek)});
+                              {WeekNumber(from, localeInformation->weekNumbering), Formatted(from, kCaptionOfWeek),
+                               Formatted(lastDay, kCaptionOfWeek)});
         case kGroupByMonth:
             return Formatted(from, kCaptionOfMonth);
         case kGroupByQuarter:
@@ -88,6 +77,18 @@ int PositionOf(const ZRTableProfile::CVariableProfile& record, const ZRLoggerInf
 }
 
 }  // namespace
+
+int WeekNumber(const ZRDateTime& date, int weekNumbering)
+{
+    switch (weekNumbering) {
+        case 1:
+            return date.WeekOfYearISO8601();
+        case 2:
+            return (date.DayOfYear() - 1) / 7 + 1;
+        default:
+            return 1;
+    }
+}
 
 ZRBasicString TableCaption(const ZRDateTime& from, const ZRDateTime& to, int groupBy)
 {

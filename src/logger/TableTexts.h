@@ -23,6 +23,9 @@ inline constexpr int kPowerFactorUnit = 7;
 inline constexpr int kTitleInDevice = 5;
 inline constexpr int kTitleAmongDevices = 7;
 
+// By the numbering of the locale record: 1 counts by ISO 8601, 2 plainly from 1 January on. 1 for any other.
+int WeekNumber(const ZRDateTime& date, int weekNumbering);
+
 // What stands above a window of time, `to` exclusive: its day, its week with number and days, its month, its quarter by
 // months, its year. Empty for what is no unit or no date. At most 255 characters. By the language in force.
 ZRBasicString TableCaption(const ZRDateTime& from, const ZRDateTime& to, int groupBy);

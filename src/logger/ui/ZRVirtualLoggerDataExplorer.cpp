@@ -9,6 +9,7 @@
 #include "siblings/tools/ZRLoadString.h"
 
 #include <algorithm>
+#include <map>
 #include <QCloseEvent>
 #include <thread>
 
@@ -27,23 +28,42 @@ std::u16string Wide(unsigned id)
     return std::u16string(ZRLoadString(id, text).Text());
 }
 
+// Menus that a host has filled, by the command of their button.
+using HostMenus = std::map<unsigned, CMenu*>;
+
+// The menu of an entry; null for a plain one.
+CMenu* SubMenuOf(const ExplorerMenuEntry& entry, QWidget* target, const HostMenus& hostMenus);
+
 // A menu as it is told without Qt.
-void Fill(CMenu& menu, const ExplorerMenu& entries, QWidget* target)
+void Fill(CMenu& menu, const ExplorerMenu& entries, QWidget* target, const HostMenus& hostMenus = {})
 {
     for (const ExplorerMenuEntry& entry : entries) {
-        if (!entry.subMenu.empty()) {
-            auto* const popup = new CMenu(target, entry.text.Text());
+        if (CMenu* const popup = SubMenuOf(entry, target, hostMenus); popup != nullptr) {
             popup->setParent(&menu, popup->windowFlags());
-            Fill(*popup, entry.subMenu, target);
             menu.AppendMenu(*popup);
             continue;
         }
         menu.AppendMenu(entry.command, entry.text.Text());
         menu.FindItem(entry.command)->setEnabled(entry.isEnabled);
+    }
+    for (const ExplorerMenuEntry& entry : entries) {
         if (entry.isChecked) {
-            menu.CheckMenuItem(entry.command, true);
+            menu.CheckMenuRadioItem(entries.front().command, entries.back().command, entry.command);
         }
     }
+}
+
+CMenu* SubMenuOf(const ExplorerMenuEntry& entry, QWidget* target, const HostMenus& hostMenus)
+{
+    if (const auto host = hostMenus.find(entry.command); host != hostMenus.end()) {
+        return host->second;
+    }
+    if (entry.subMenu.empty()) {
+        return nullptr;
+    }
+    auto* const popup = new CMenu(target, entry.text.Text());
+    Fill(*popup, entry.subMenu, target);
+    return popup;
 }
 
 class ButtonState final : public CCmdUI {
@@ -213,7 +233,9 @@ void ZRVirtualLoggerDataExplorer::Reload()
 
 void ZRVirtualLoggerDataExplorer::RunCommand(unsigned command)
 {
+    const bool wasInCommand = std::exchange(m_isInCommand, true);
     m_explorer.OnCommand(command);
+    m_isInCommand = wasInCommand;
     ShowNow();
 }
 
@@ -221,7 +243,7 @@ void ZRVirtualLoggerDataExplorer::ShowNow()
 {
     UpdateCommands();
     OnShown();
-    if (std::exchange(m_closesLater, false)) {
+    if (!m_isInCommand && std::exchange(m_closesLater, false)) {
         QMetaObject::invokeMethod(
             this, [this] { close(); }, Qt::QueuedConnection);
     }
@@ -241,6 +263,11 @@ void ZRVirtualLoggerDataExplorer::UpdateCommands()
         } else {
             state.Enable(m_explorer.IsEnabled(button.command));
         }
+    }
+    // Where a host has put them into the toolbar.
+    const bool hasTable = m_explorer.IsEnabled(kCommandCopy);
+    for (const unsigned id : {kCommandCopy, kCommandConfig, zr::ui::ID_FILE_PRINT, zr::ui::ID_FILE_PRINT_PREVIEW}) {
+        m_toolBar.EnableButton(id, hasTable);
     }
 }
 
@@ -321,28 +348,25 @@ void ZRVirtualLoggerDataExplorer::OnChevronPushed(const QRect& chevron)
                            {place.left(), place.right() + 1}});
     }
     const QRect visible = m_reBar.GetBandRect();
-    auto* const menu = new CMenu(this, {});
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    Fill(*menu,
-         ChevronMenu(
-             buttons, {visible.left(), visible.right() + 1},
-             [this](unsigned command, ExplorerMenu& entries) { return m_explorer.DropDownMenu(command, entries); }),
-         this);
-    for (const ShownButton& button : buttons) {
-        ExplorerMenu own;
-        const bool isHosts = button.isDropDown && !m_explorer.DropDownMenu(button.command, own);
-        if (isHosts && button.place.right > visible.right() + 1) {
-            auto popup = std::make_unique<CMenu>(this, button.text.Text());
-            if (MoreChevron(*popup, static_cast<int>(button.command)) && !popup->isEmpty()) {
-                popup->setParent(menu, popup->windowFlags());
-                menu->AppendMenu(*popup.release());
-            }
+    HostMenus hostMenus;
+    const auto subMenu = [&](unsigned command, ExplorerMenu& entries) {
+        if (m_explorer.DropDownMenu(command, entries)) {
+            return true;
         }
-    }
-    if (menu->isEmpty()) {
-        delete menu;
+        auto popup = std::make_unique<CMenu>(this, zr::ui::FromQt(m_toolBar.GetButtonText(command)));
+        if (!MoreChevron(*popup, static_cast<int>(command)) || popup->isEmpty()) {
+            return false;
+        }
+        hostMenus[command] = popup.release();
+        return true;
+    };
+    const ExplorerMenu entries = ChevronMenu(buttons, {visible.left(), visible.right() + 1}, subMenu);
+    if (entries.empty()) {
         return;
     }
+    auto* const menu = new CMenu(this, {});
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    Fill(*menu, entries, this, hostMenus);
     menu->popup(m_reBar.mapToGlobal(chevron.bottomLeft()));
 }
 
@@ -352,6 +376,11 @@ bool ZRVirtualLoggerDataExplorer::OnCommand(unsigned id, unsigned code, QWidget*
                         id == kCommandCopy || FindGroupUnit(id) != nullptr || FindPeriod(id) != nullptr;
     if (isOurs) {
         RunCommand(id);
+        return true;
+    }
+    const bool isPrint = id == zr::ui::ID_FILE_PRINT || id == zr::ui::ID_FILE_PRINT_PREVIEW;
+    if (isPrint && !m_explorer.IsEnabled(kCommandCopy)) {
+        // There is nothing to print without a viewer.
         return true;
     }
     return ZRPrintPreviewDialog::OnCommand(id, code, from);
@@ -398,9 +427,10 @@ void ZRVirtualLoggerDataExplorer::closeEvent(QCloseEvent* event)
 {
     if (m_loading != nullptr) {
         m_loading->Cancel();
-        m_closesLater = true;
     }
-    if (m_loading != nullptr || m_isPrinting) {
+    // A command that shows a dialog goes on with the viewer when that has ended.
+    m_closesLater = m_closesLater || m_loading != nullptr || m_isInCommand;
+    if (m_closesLater || m_isPrinting) {
         event->ignore();
         return;
     }

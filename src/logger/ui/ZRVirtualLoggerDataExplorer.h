@@ -27,7 +27,8 @@ inline constexpr unsigned kExplorerDialog = 167;
 //
 // Create, Setup, SelectViewer, then show; the order of the first two may be either. A host derives from it and adds
 // buttons by the More... operations. The window stays alive while data are loaded; closed meanwhile, it ends the load
-// and goes when that is over. It must not be deleted while a load runs. UI thread only.
+// and goes when that is over, as it does when a command with a dialog is. It must not be deleted while either runs. UI
+// thread only.
 class ZRVirtualLoggerDataExplorer : public ZRPrintPreviewDialog {
 public:
     explicit ZRVirtualLoggerDataExplorer(QWidget* parent);
@@ -134,6 +135,7 @@ private:
     bool m_isCreated = false;
     bool m_isDestroyed = false;
     bool m_isPrinting = false;
+    bool m_isInCommand = false;
     bool m_closesLater = false;
     bool m_wasLoadStopped = false;
 };

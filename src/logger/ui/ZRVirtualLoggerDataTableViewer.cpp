@@ -71,6 +71,8 @@ bool ZRVirtualLoggerDataTableViewer::Create(QWidget* parent, unsigned id)
     m_caption->setWordWrap(false);
     m_caption->setAutoFillBackground(true);
     m_list = new CVirtualListCtrl(this, zr::ui::kTableList);
+    // A style draws its frame thinner than the room for it where the screen is scaled, and nothing is behind it.
+    m_list->setAutoFillBackground(true);
     m_caption->setFont(m_list->font());
     setFocusProxy(m_list);
     OnSize(width(), height());

@@ -3,6 +3,7 @@
 #include "platform/ui/UiText.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QKeySequence>
 
 CMenu::CMenu(QWidget* target, std::u16string_view title) : QMenu(zr::ui::ToQt(title), target), m_target(target) {}
@@ -17,7 +18,7 @@ void CMenu::AppendMenu(unsigned id, std::u16string_view text, const QIcon& image
         action->setShortcut(QKeySequence(whole.mid(tab + 1), QKeySequence::PortableText));
     }
     connect(action, &QAction::triggered, this, [this, id, action] {
-        if (action->isCheckable()) {
+        if (action->isCheckable() && action->actionGroup() == nullptr) {
             // The mark follows CheckMenuItem alone.
             action->setChecked(!action->isChecked());
         }
@@ -30,6 +31,19 @@ void CMenu::CheckMenuItem(unsigned id, bool check)
     if (QAction* const action = FindItem(id); action != nullptr) {
         action->setCheckable(true);
         action->setChecked(check);
+    }
+}
+
+void CMenu::CheckMenuRadioItem(unsigned first, unsigned last, unsigned id)
+{
+    auto* const group = new QActionGroup(this);
+    for (QAction* const action : actions()) {
+        const unsigned number = action->objectName().toUInt();
+        if (number >= first && number <= last) {
+            action->setCheckable(true);
+            group->addAction(action);
+            action->setChecked(number == id);
+        }
     }
 }
 

@@ -23,6 +23,9 @@ public:
     // Puts a mark before the text of the item of that number, in this menu or in one of its own; nothing when there is
     // none. One that was ever marked shows room for the mark from then on.
     void CheckMenuItem(unsigned id, bool check);
+    // Marks one item of those numbers, and no other of them, in this menu as one out of several. Once a menu; nothing
+    // when there is no such item.
+    void CheckMenuRadioItem(unsigned first, unsigned last, unsigned id);
     // Null when there is none.
     [[nodiscard]] QAction* FindItem(unsigned id) const;
 

@@ -5,21 +5,34 @@
 
 #include <QAction>
 #include <QStyleOptionToolButton>
+#include <QStylePainter>
 #include <QToolButton>
 
 namespace {
 
-// Shows the arrow of a menu without having one: it is made when the button is pushed.
+// Shows the arrow of a menu, beside its text, without having one: it is made when the button is pushed.
 class DropDownButton : public QToolButton {
 public:
     using QToolButton::QToolButton;
 
+    QSize sizeHint() const override { return QToolButton::sizeHint() + QSize(kArrow + kArrowMargin, 0); }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
 protected:
-    void initStyleOption(QStyleOptionToolButton* option) const override
+    void paintEvent(QPaintEvent*) override
     {
-        QToolButton::initStyleOption(option);
-        option->features |= QStyleOptionToolButton::HasMenu;
+        QStylePainter painter(this);
+        QStyleOptionToolButton option;
+        initStyleOption(&option);
+        painter.drawComplexControl(QStyle::CC_ToolButton, option);
+        const int room = kArrow + kArrowMargin;
+        option.rect = QRect(width() - room, (height() - kArrow) / 2, kArrow, kArrow);
+        painter.drawPrimitive(QStyle::PE_IndicatorArrowDown, option);
     }
+
+private:
+    static constexpr int kArrow = 8;
+    static constexpr int kArrowMargin = 4;
 };
 
 }  // namespace

@@ -55,6 +55,9 @@ public:
     // Of a text in the font of the rows with the room around it, pixels.
     [[nodiscard]] int GetStringWidth(std::u16string_view text) const;
 
+    // Letters search nothing: each row would have to be asked for its text.
+    void keyboardSearch(const QString&) override {}
+
 protected:
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

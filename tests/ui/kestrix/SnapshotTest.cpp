@@ -1,7 +1,10 @@
 #include "hosts/kestrix/ui/Snapshot.h"
 
 #include "DesktopFixture.h"
+#include "siblings/driversupport/store/MemoryLoggerStore.h"
+#include "siblings/tools/ZRDateTime.h"
 
+#include <algorithm>
 #include <fstream>
 #include <QImage>
 #include <set>
@@ -44,6 +47,38 @@ TEST_F(SnapshotTest, TakesEveryKindOfPageInLightAndDark)
           std::pair(m_folder / "out" / "group-dark.png", perms::owner_read | perms::owner_write)}) {
         EXPECT_EQ(std::filesystem::status(path).permissions(), expected) << path;
     }
+}
+
+TEST_F(SnapshotTest, TakesTheWindowsOnLoggedDataOfWhatIsRecorded)
+{
+    Start();
+    MemoryLoggerStore store;
+    const int series = store.OpenSeries(u"METER-2.U1", 1);
+    std::vector<LoggerAppend> batch;
+    for (std::int64_t i = 0; i < 2000; ++i) {
+        batch.push_back(
+            {series, (946684800LL + ZRDateTime::LTC().seconds - 60 * i) * 1000000, 2300.0 + double(i % 90)});
+    }
+    std::reverse(batch.begin(), batch.end());
+    ASSERT_TRUE(store.Append(batch));
+    ASSERT_TRUE(store.SetDataSet({u"mains", 60, 0, {u"METER-2.U1"}}));
+    SetLoggerStore(&store);
+    std::string problem;
+    EXPECT_TRUE(SaveSnapshots(*m_frame, m_folder / "out", problem)) << problem;
+    SetLoggerStore(nullptr);
+    for (const char* const name : {"table", "preview", "narrow", "chevron", "loading"}) {
+        for (const char* const colours : {"-light", "-dark"}) {
+            const std::string file = std::string("logged-") + name + colours + ".png";
+            const QImage image(QString::fromStdString((m_folder.Path() / "out" / file).string()));
+            ASSERT_FALSE(image.isNull()) << file;
+            EXPECT_GT(ColoursIn(image), 8u) << file;
+        }
+    }
+    // No window and no dialog is left open.
+    for (const QWidget* const top : QApplication::topLevelWidgets()) {
+        EXPECT_TRUE(top == m_frame.get() || !top->isVisible()) << top->windowTitle().toStdString();
+    }
+    EXPECT_TRUE(m_asked.empty());
 }
 
 TEST_F(SnapshotTest, TellsWhichFolderCannotBeMade)

@@ -3,8 +3,6 @@
 #include "ui/logger/ExplorerFixture.h"
 
 #include <QClipboard>
-#include <QDir>
-#include <QFile>
 #include <QMimeData>
 
 namespace zr::logger {
@@ -106,25 +104,6 @@ TEST_F(TableMimeDataTest, CopiesByTheExplorersCommand)
     QApplication::clipboard()->clear();
     ui::SendCommand(&window, kCommandCopy, 0, nullptr);
     EXPECT_TRUE(Copied().hasFormat(ui::HtmlFormat()));
-}
-
-// What scripts/check gives a spreadsheet to read.
-TEST_F(TableMimeDataTest, LeavesACopyForASpreadsheet)
-{
-    test::LiveDevice odd(u"N", {Described(u"X", u"<a & \"b\"> \u00b0", 1, 0, 0, 2)});
-    Record(u"N.X", kDay, 1.5);
-    Record(u"N.X", Date(31, 12, 2002), 20);
-    RecordVoltages(kDay, {2301});
-    Open({u"N.X", u"M.U"});
-    window.SetupData(Date(6, 1, 2003), kGroupByWeek, kEveryRecord, false);
-    window.OnEditCopy();
-    const QDir pictures(QApplication::applicationDirPath() + "/../pictures");
-    ASSERT_TRUE(pictures.mkpath("."));
-    QFile file(pictures.filePath("copied.html"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    const QByteArray html = Copied().data("text/html");
-    EXPECT_EQ(file.write(html), html.size());
-    EXPECT_TRUE(html.contains("N &lt;a &amp; &quot;b&quot;&gt; \xc2\xb0 (V)"));
 }
 
 // The texts are all there is: the records may go.

@@ -3,7 +3,9 @@
 #include "logger/SuiteKey.h"
 #include "ui/logger/ExplorerFixture.h"
 
+#include <QPrinter>
 #include <QScrollBar>
+#include <QTimer>
 
 namespace zr::logger {
 namespace {
@@ -143,6 +145,69 @@ TEST_F(ZRVirtualLoggerDataTableViewerTest, LosesTheSelectionWithTheRows)
     List().selectAll();
     window.Reload();
     EXPECT_TRUE(List().GetSelectedRanges().empty());
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, SearchesNoRowByItsLetters)
+{
+    RecordVoltages(kDay, std::vector<double>(1000, 2300));
+    OpenWeek();
+    window.SetupData(Date(31, 12, 2002), kGroupByDay, kEveryRecord, false);
+    List().setFocus();
+    QTest::keyClick(&List(), Qt::Key_Home);
+    QTest::keyClicks(&List(), "01");
+    EXPECT_EQ(List().currentIndex().row(), 0);
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, AsksForASetupAndADeviceContextToPrintOn)
+{
+    Open();
+    QPrinter printer;
+    CPrintDialog dialog(printer, nullptr);
+    CPrintInfo info(dialog);
+    QTimer::singleShot(0, &window, [] {
+        auto* const shown = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(shown, nullptr);
+        shown->reject();
+    });
+    EXPECT_EQ(Viewer().OnPreparePrinting(&info), 0);
+    EXPECT_EQ(dialog.m_flags, 0x140U);
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, HoldsWidthsOfTheSettingsWithinLimits)
+{
+    window.Create(nullptr);
+    XmlNode* const vars = window.Config().root->NewChild(u"Vars");
+    XmlNode* const table = window.Config().root->NewChild(u"Table");
+    const std::vector<std::pair<const wchar*, const wchar*>> widths = {
+        {u"M.U", u"99999999999"}, {u"M.E", u"-5"}, {u"M.PF", u"12 pixels"}};
+    for (const auto& [name, width] : widths) {
+        vars->NewChild(u"Var")->SetValue(u"Name", name);
+        XmlNode* const entry = table->NewChild(u"VarSetup");
+        entry->SetValue(u"Var", name);
+        entry->SetValue(u"Index", u"7");
+        entry->SetValue(u"Width", width);
+    }
+    Open();
+    EXPECT_EQ(List().GetColumnWidth(1), kMaxColumnWidth);
+    EXPECT_EQ(List().GetColumnWidth(2), 0);
+    EXPECT_EQ(List().GetColumnWidth(3), 12);
+    EXPECT_EQ(List().GetColumnOrder(3), 3);
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, ShowsNamesAsTheyStand)
+{
+    const std::u16string longName(10000, u'W');
+    test::LiveDevice odd(
+        u"N", {Described(u"X", u"<b>a & \"c\"</b>", 1, 0, 0, 0), Described(u"Y", longName.c_str(), 1, 0, 0, 0)});
+    Record(u"N.X", kDay, 1);
+    Open({u"N.X", u"N.Y"});
+    EXPECT_EQ(Title(1), "N <b>a & \"c\"</b> (V)");
+    EXPECT_EQ(List().model()->headerData(1, Qt::Horizontal, Qt::ToolTipRole).toString(),
+              "<p>N &lt;b&gt;a &amp; &quot;c&quot;&lt;/b&gt; (V)</p>");
+    EXPECT_EQ(Title(2).size(), 10000U + 6);
+    // Three lines at most.
+    EXPECT_LT(List().horizontalHeader()->height(), 5 * List().fontMetrics().lineSpacing());
+    EXPECT_FALSE(window.grab().isNull());
 }
 
 TEST_F(ZRVirtualLoggerDataTableViewerTest, BreaksLongTitlesIntoLines)

@@ -1,6 +1,7 @@
 #include "logger/LoggerExplorer.h"
 
 #include "logger/LoggerTable.h"
+#include "logger/SuiteKey.h"
 #include "support/ManualClock.h"
 #include "unit/logger/LoggedFixture.h"
 #include "unit/logger/MemoryTableList.h"
@@ -114,6 +115,9 @@ protected:
     void RunLoad(const std::function<void(Progress&)>& work) override
     {
         calls.emplace_back("Load");
+        if (duringLoad) {
+            duringLoad();
+        }
         std::thread loader([&] { work(progress); });
         loader.join();
     }
@@ -127,6 +131,7 @@ protected:
 
     Calls calls;
     LoadProgress progress;
+    std::function<void()> duringLoad;
     std::vector<unsigned> messages;
     std::optional<ZRDateTime> choice;
     int hostsViewer = 0;
@@ -413,6 +418,85 @@ TEST_F(LoggerExplorerTest, ALoadThatIsCancelledGivesAnEmptyTable)
     progress.isCancelled = true;
     Start();
     EXPECT_EQ(viewer->list.count, 0);
+}
+
+TEST_F(LoggerExplorerTest, AfterALoadThatWasCancelledTheNextReadsAnewWhateverItChanges)
+{
+    Record(u"M.U", Date(17, 12, 2002, 8), 10);
+    Start();
+    progress.isCancelled = true;
+    explorer.OnCommand(31821);
+    EXPECT_EQ(viewer->list.count, 0);
+    progress.isCancelled = false;
+    explorer.OnCommand(31827);
+    EXPECT_EQ(viewer->list.count, 1);
+    explorer.OnCommand(31821);
+    EXPECT_EQ(viewer->list.count, 1);
+}
+
+TEST_F(LoggerExplorerTest, AfterALoadThatFailedTheNextReadsAnewWhateverItChanges)
+{
+    Record(u"M.U", Date(17, 12, 2002, 8), 10);
+    store.SetAvailable(false);
+    Start();
+    EXPECT_EQ(viewer->list.count, 0);
+    store.SetAvailable(true);
+    explorer.OnCommand(31821);
+    EXPECT_EQ(viewer->list.count, 1);
+}
+
+TEST_F(LoggerExplorerTest, AfterANewSetupANewPeriodReadsTheData)
+{
+    Record(u"M.U", Date(17, 12, 2002, 8), 10);
+    Start();
+    explorer.Setup(Info({u"M.U"}), &hostsViewer);
+    explorer.OnCommand(31821);
+    EXPECT_EQ(viewer->list.count, 1);
+}
+
+TEST_F(LoggerExplorerTest, NoCommandIsReachableWhileDataAreLoaded)
+{
+    Start();
+    int loads = 0;
+    duringLoad = [&] {
+        ++loads;
+        for (const unsigned command : {kCommandPrevious, kCommandGoTo, kCommandConfig, kCommandCopy, 31822U,
+                                       static_cast<unsigned>(kGroupByMonth)}) {
+            EXPECT_FALSE(explorer.IsEnabled(command));
+            EXPECT_TRUE(explorer.OnCommand(command));
+        }
+    };
+    explorer.OnCommand(kCommandPrevious);
+    EXPECT_EQ(loads, 1);
+    EXPECT_EQ(calls, (Calls{"Invalid", "Load", "Update", "Valid"}));
+    EXPECT_TRUE(explorer.IsEnabled(kCommandPrevious));
+}
+
+TEST_F(LoggerExplorerTest, TheLastChoiceIsTheHostsToRead)
+{
+    SuiteKey().WriteText(kLastGroupValue, u"DAY");
+    SuiteKey().WriteText(kLastPeriodValue, u"60");
+    Start();
+    EXPECT_EQ(explorer.Window().groupBy, kGroupByWeek);
+    EXPECT_EQ(explorer.Window().samplePeriod, ZRDateTimeSpan(1800, 0));
+}
+
+TEST_F(LoggerExplorerTest, SelectViewerAfterConfigShowsTheNewColumns)
+{
+    Start();
+    viewer->dialog = [](ZRTableProfile& copy, ZRTableProfile&, ZRLoggerInfo& variables) {
+        copy.DeleteVariable(0);
+        delete variables.variables.front();
+        variables.variables.pop_front();
+        return true;
+    };
+    explorer.OnCommand(kCommandConfig);
+    ASSERT_EQ(viewer->list.columns.size(), 2U);
+    EXPECT_EQ(explorer.Data()->loggerInfo.variables.size(), 1U);
+    explorer.SelectViewer(kNoViewer);
+    explorer.SelectViewer(kTableViewer);
+    ASSERT_EQ(viewer->list.columns.size(), 2U);
+    EXPECT_EQ(Narrow(viewer->list.columns[1].text), "M Energy (kWh)");
 }
 
 TEST_F(LoggerExplorerTest, WithoutSetupAViewerIsMadeAndNothingLoaded)

@@ -78,6 +78,8 @@ TEST_F(LoggerTableTest, AVariableThatCanNotBeDescribedIsLeftOutAndKeepsItsPositi
     Record(u"M.U", kDay, 2300);
     Update();
     EXPECT_EQ(Cell(0, 1), "230.0");
+    // Its place in the list stays what the settings keep at first.
+    EXPECT_EQ(Narrow(document.root->Node(u"Table/VarSetup?Var=M.U?")->Value(u"Index", u"")), "1");
 }
 
 TEST_F(LoggerTableTest, NoVariablesGiveTheTimeColumnAlone)
@@ -203,6 +205,18 @@ TEST_F(LoggerTableTest, OnDestroyStoresTheWidthOfEveryColumn)
     EXPECT_EQ(StoredWidth(u"Column5"), 4711U);
 }
 
+TEST_F(LoggerTableTest, OnDestroyKeepsTheVariablesInTheirOrderAndThePlacesBeside)
+{
+    Show();
+    list.order = {0, 3, 1, 2};
+    table.OnDestroy();
+    Texts kept;
+    for (const XmlNode* const child : document.root->Node(u"Table")->children) {
+        kept.push_back(Narrow(child->Value(u"Var", u"")) + ":" + Narrow(child->Value(u"Index", u"")));
+    }
+    EXPECT_EQ(kept, (Texts{"M.U:1", "M.E:2", "M.PF:0"}));
+}
+
 TEST_F(LoggerTableTest, AnArrangementSurvivesTheViewer)
 {
     Show();
@@ -306,6 +320,60 @@ TEST_F(LoggerTableTest, CancelLeavesTheViewerAsItWas)
               "Date and time\tM Voltage (V)\tM Energy (kWh)\tM Power factor (PF)\t\r\n00:00:00\t1.0\t2.00\t1.000\r\n");
 }
 
+TEST_F(LoggerTableTest, CancelBringsBackTheVariablesThatTheDialogTookOrAdded)
+{
+    EvenMeasure measure;
+    Show({u"M.U", u"M.E"});
+    RecordOne(kDay, 10, 2000, 1);
+    Update();
+    // What the dialog does at once when a row is deleted and another variable chosen.
+    const bool result = table.OnConfig([](ZRTableProfile& copy, ZRTableProfile&, ZRLoggerInfo& variables) {
+        copy.DeleteVariable(0);
+        delete variables.variables.front();
+        variables.variables.pop_front();
+        for (const wchar* name : {u"M.PF", u"M.U"}) {
+            variables.AddVariable(name);
+        }
+        variables.Lock();
+        return false;
+    });
+    EXPECT_FALSE(result);
+    EXPECT_EQ(Cell(0, 1), "1.0");
+    EXPECT_EQ(table.ClipboardCopy().TextPlain(),
+              "Date and time\tM Voltage (V)\tM Energy (kWh)\t\r\n00:00:00\t1.0\t2.00\r\n");
+    table.OnBeginPrinting({1000, 1000, 250}, measure);
+    Texts printed;
+    for (const PrintText& text : table.Print(1, {0, 0, 1000, 1000}, u"").texts) {
+        printed.push_back(Narrow(text.text));
+    }
+    EXPECT_EQ(printed, (Texts{"", "Date and time", "M Voltage", "M Energy", "00:00:00", "1.0", "2.00", "1 / 1"}));
+    ZRLoggerInfo out;
+    table.GetLoggerInfo(out);
+    ASSERT_EQ(out.variables.size(), 2U);
+    EXPECT_EQ(Narrow(out.variables.front()->fullName), "M.U");
+}
+
+TEST_F(LoggerTableTest, CancelKeepsWhatTheUserHasDraggedAndWidened)
+{
+    Show();
+    list.order = {0, 3, 1, 2};
+    list.columns[3].width = 33;
+    table.OnConfig([](ZRTableProfile&, ZRTableProfile&, ZRLoggerInfo&) { return false; });
+    EXPECT_EQ(list.order, (std::vector{0, 3, 1, 2}));
+    table.OnDestroy();
+    const XmlNode* const entry = document.root->Node(u"Table/VarSetup?Var=M.PF?");
+    ASSERT_NE(entry, nullptr);
+    EXPECT_EQ(Narrow(entry->Value(u"Index", u"")), "0");
+    EXPECT_EQ(Narrow(entry->Value(u"Width", u"")), "33");
+}
+
+TEST_F(LoggerTableTest, ATableThatWasNeverSetUpKeepsNothing)
+{
+    SuiteKey(kTablesKey).WriteNumber(u"Column1", 55);
+    table.OnDestroy();
+    EXPECT_EQ(StoredWidth(u"Column1"), 55U);
+}
+
 TEST_F(LoggerTableTest, CopyTakesTheSelectedRows)
 {
     Show({u"M.U"});
@@ -331,6 +399,22 @@ TEST_F(LoggerTableTest, CopyFindsAVariableByItsTitleAndSoNotOneThatCameBackFromT
     Update();
     EXPECT_EQ(Cell(0, 1), "1.0");
     EXPECT_EQ(table.ClipboardCopy().TextPlain(), "Date and time\tVoltage (V)\t\r\n00:00:00\t \r\n");
+}
+
+TEST_F(LoggerTableTest, PrintFindsAVariableByItsTitleAsCopyDoes)
+{
+    EvenMeasure measure;
+    Show({u"M.U"});
+    table.Profile()[0].Title = u"Voltage";
+    table.Setup(info, document.root);
+    Record(u"M.U", kDay, 10);
+    Update();
+    table.OnBeginPrinting({1000, 1000, 250}, measure);
+    Texts printed;
+    for (const PrintText& text : table.Print(1, {0, 0, 1000, 1000}, u"").texts) {
+        printed.push_back(Narrow(text.text));
+    }
+    EXPECT_EQ(printed, (Texts{"", "Date and time", "Voltage", "00:00:00", "1 / 1"}));
 }
 
 TEST_F(LoggerTableTest, CopyWhileTheDataAreInvalidHoldsTheTitlesAlone)

@@ -182,6 +182,13 @@ TEST_F(LoggerWindowTest, ADateInALaterUnitGivesTheUnitBeforeWhenNowIsABoundary)
     ExpectWindow(Date(1, 11, 2002), Date(1, 12, 2002));
 }
 
+TEST_F(LoggerWindowTest, AUnitThatBeginsExactlyNowIsThePresentOne)
+{
+    SetNow(Date(1, 12, 2002));
+    Show(Date(15, 12, 2002), kGroupByMonth);
+    ExpectWindow(Date(1, 12, 2002), Date(1, 1, 2003));
+}
+
 TEST_F(LoggerWindowTest, NoDateGivesThePresentUnit)
 {
     Show(ZRDateTime(), kGroupByMonth);
@@ -283,6 +290,14 @@ TEST_F(LoggerWindowTest, GoToOffersOneUnitBeforeTheEnd)
     isChosen = false;
     window.OnGoTo();
     EXPECT_EQ(ZRDateTime(offered), Date(1, 2, 2002));
+}
+
+TEST_F(LoggerWindowTest, GoToBeforeAnyLoadOffersOneUnitBeforeNow)
+{
+    window.Setup();
+    isChosen = false;
+    window.OnGoTo();
+    EXPECT_EQ(ZRDateTime(offered), Date(11, 12, 2002, 14, 30));
 }
 
 TEST_F(LoggerWindowTest, GoToShowsTheUnitThatHoldsTheChosenDate)

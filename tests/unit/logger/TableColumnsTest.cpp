@@ -3,6 +3,7 @@
 #include "unit/logger/LoggedFixture.h"
 #include "unit/logger/MemoryTableList.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace zr::logger {
@@ -181,6 +182,32 @@ TEST_F(TableColumnsTest, ReorderVariablesKeepsARecordWhoseTextTheListHoldsInPart
     ReorderVariables(profile, list, list.columns, false);
     EXPECT_EQ(IndicesOf(profile), (std::vector{0, 0}));
     EXPECT_EQ(profile[0].Width, 50);
+}
+
+TEST_F(TableColumnsTest, ReorderVariablesTakesTheFirstOfRecordsWithTheSameText)
+{
+    SetIndices({0, 1, 2});
+    profile[1].Title = profile[0].Title;
+    Show(Info({u"A", u"B", u"C"}));
+    list.columns[2].width = 77;
+    ReorderVariables(profile, list, list.columns, false);
+    // Both columns are taken for the first record's, so that the second one's tells last.
+    EXPECT_EQ(IndicesOf(profile), (std::vector{1, 1, 2}));
+    EXPECT_EQ(profile[0].Width, 77);
+    EXPECT_EQ(profile[1].Width, 51);
+    EXPECT_EQ(Compacted({1, 1, 2}), (std::vector{0, 1, 2}));
+}
+
+TEST_F(TableColumnsTest, ReorderVariablesWithSwapLosesNoneOfRecordsWithTheSameText)
+{
+    SetIndices({0, 1, 2});
+    profile[1].Title = profile[0].Title;
+    Show(Info({u"A", u"B", u"C"}));
+    list.order = {0, 2, 3, 1};
+    ReorderVariables(profile, list, list.columns, true);
+    std::vector<ZRBasicString> names = NamesOf(profile);
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<ZRBasicString>{u"A", u"B", u"C"}));
 }
 
 TEST_F(TableColumnsTest, ReorderVariablesKeepsARecordWithoutAColumn)

@@ -160,7 +160,7 @@ TEST_F(TableCopyTest, TitlesStandInHtmlFormatAsTheyAreAndEscapedInTextHtml)
     titles[1] = u"<b>\"A\" & B</b>";
     const TableCopy copy = Copy();
     EXPECT_NE(copy.HtmlFormat().find("<TD><B><b>\"A\" & B</b></B></TD>"), std::string_view::npos);
-    EXPECT_NE(copy.TextHtml().find("<TD><B>&lt;b&gt;&quot;A&quot; &amp; B&lt;/b&gt;</B></TD>"), std::string::npos);
+    EXPECT_NE(copy.TextHtml().find("<B>&lt;b&gt;&quot;A&quot; &amp; B&lt;/b&gt;</B></TD>"), std::string::npos);
     EXPECT_EQ(copy.TextHtml().find("<b>"), std::string::npos);
 }
 
@@ -170,7 +170,9 @@ TEST_F(TableCopyTest, TextHtmlIsAPageWithTheSameRows)
     EXPECT_EQ(Copy().TextHtml(),
               "<html><head><meta http-equiv=\"content-type\" content=\"text/html; charset=utf-8\"></head><body>\r\n"
               "<table border=\"0\" cellspacing=\"0\" cellpadding=\"0\">\r\n"
-              "<TR><TD><B>Date and time</B></TD><TD><B>M Voltage (V)</B></TD><TD><B>M Energy (kWh)</B></TD></TR>\r\n"
+              "<TR><TD SDNUM=\"1033;0;@\" STYLE=\"mso-number-format:'\\@'\"><B>Date and time</B></TD>"
+              "<TD SDNUM=\"1033;0;@\" STYLE=\"mso-number-format:'\\@'\"><B>M Voltage (V)</B></TD>"
+              "<TD SDNUM=\"1033;0;@\" STYLE=\"mso-number-format:'\\@'\"><B>M Energy (kWh)</B></TD></TR>\r\n"
               "<TR><TD>00:00:00</TD><TD>230.0</TD><TD>0.00</TD></TR>\r\n"
               "<TR><TD>00:01:00</TD><TD>230.1</TD><TD></TD></TR>\r\n"
               "</table>\r\n</body></html>\r\n");

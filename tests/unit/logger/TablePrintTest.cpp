@@ -149,6 +149,59 @@ TEST_F(TablePrintTest, LinesLeaveABlockForTheHeadings)
     EXPECT_EQ(Print().Lines(), 42);
 }
 
+TEST_F(TablePrintTest, ASheetLeavesOutItsMarginsAndCountsTheGapsOfItsBlocks)
+{
+    // 24 pixels a millimetre: margins of 43.2, blocks of 60 + 36. Ten blocks want 1003.2.
+    AddColumns(1);
+    RecordRows(1);
+    device = {1000, 1003, 41};
+    EXPECT_EQ(Print().Lines(), 24);
+    device = {1000, 1004, 41};
+    EXPECT_EQ(Print().Lines(), 27);
+}
+
+TEST_F(TablePrintTest, LinesAndRowsStandAtTheirPlacesOnAFinePrinter)
+{
+    AddColumns(1);
+    RecordRows(7);
+    device = {1000, 1004, 41};
+    const PrintedPage page = Print().Page(1, Area(), u"");
+    // The first line at 60 + 12, the rows from 72 + 31.2 on; each separator 14.4 below its block and 21.6 above the
+    // next.
+    EXPECT_EQ(page.lines, (std::vector<PrintLine>{{90, 360, 72, 12}, {90, 360, 177, 7}, {90, 360, 272, 7}}));
+    std::vector<int> tops;
+    for (std::size_t i = 3; i + 1 < page.texts.size(); i += 2) {
+        tops.push_back(page.texts[i].rect.top);
+    }
+    EXPECT_EQ(tops, (std::vector{103, 123, 143, 198, 218, 238, 293}));
+}
+
+TEST_F(TablePrintTest, AColumnThatEndsAtTheEdgeFits)
+{
+    AddColumns(2);
+    RecordRows(1);
+    // The second column ends at 250 + 2 x 80 with the gap before each, and at 380 as it is dealt out.
+    device.horzRes = 410;
+    EXPECT_EQ(Texts(Print().Page(1, Area(), u"")).size(), 2 * (1U + 2) + 2);
+    device.horzRes = 409;
+    EXPECT_EQ(Texts(Print().Page(1, Area(), u"")).size(), 2 * (1U + 1) + 2);
+    device.horzRes = 380;
+    EXPECT_EQ(Print().PagesAcross(), 1);
+    device.horzRes = 379;
+    EXPECT_EQ(Print().PagesAcross(), 2);
+}
+
+TEST_F(TablePrintTest, ABandBeginsWithTheFirstColumnThatNoLongerFits)
+{
+    AddColumns(3);
+    profile[2].Title = u"Third";
+    RecordRows(1);
+    device.horzRes = 380;
+    const TablePrint print = Print();
+    ASSERT_EQ(print.PagesAcross(), 2);
+    EXPECT_EQ(Texts(print.Page(2, Area(), u"")).at(2), "Third");
+}
+
 TEST_F(TablePrintTest, PixelsOfAMillimetreAreWhole)
 {
     AddColumns(1);

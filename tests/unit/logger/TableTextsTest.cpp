@@ -46,6 +46,19 @@ TEST_F(TableTextsTest, CaptionOfAWeekHasItsNumberAndItsDays)
               "Week 52: 23 December 2002 to 29 December 2002");
 }
 
+TEST_F(TableTextsTest, AWeekIsNumberedAsTheLocaleTells)
+{
+    constexpr int kIso8601 = 1;
+    constexpr int kPlain = 2;
+    EXPECT_EQ(WeekNumber(Date(30, 12, 2002), kIso8601), 1);
+    EXPECT_EQ(WeekNumber(Date(30, 12, 2002), kPlain), 52);
+    EXPECT_EQ(WeekNumber(Date(31, 12, 2002), kPlain), 53);
+    EXPECT_EQ(WeekNumber(Date(7, 1, 2002), kPlain), 1);
+    EXPECT_EQ(WeekNumber(Date(8, 1, 2002), kPlain), 2);
+    EXPECT_EQ(WeekNumber(Date(18, 12, 2002), 0), 1);
+    EXPECT_EQ(WeekNumber(Date(18, 12, 2002), 3), 1);
+}
+
 TEST_F(TableTextsTest, CaptionOfAMonthIsItsName)
 {
     EXPECT_EQ(Caption(Date(1, 12, 2002), Date(1, 1, 2003), kGroupByMonth), "December 2002");

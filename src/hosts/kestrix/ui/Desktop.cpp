@@ -30,6 +30,7 @@ constexpr std::chrono::milliseconds kSignalPeriod{200};
 // Of the pictures, whatever the screen: the least window that shows everything.
 constexpr int kPictureWidth = 1024;
 constexpr int kPictureHeight = 700;
+constexpr const wchar* kPicturesKey = u"Software\\Kestrix-Pictures";
 
 class Desktop final : private supervision::Supervisor::Host {
 public:
@@ -177,6 +178,8 @@ int Desktop::TakePictures()
 {
     int status = kEndedAsAsked;
     QTimer::singleShot(m_options.snapshotAfter, m_frame.get(), [this, &status] {
+        // What the user has chosen is neither seen in the pictures nor changed by them.
+        ZRKestrixSetup::Get().registryKey = kPicturesKey;
         std::string problem;
         if (!SaveSnapshots(*m_frame, m_options.snapshotFolder, problem)) {
             Complain(problem);

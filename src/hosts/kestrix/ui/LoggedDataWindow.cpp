@@ -1,5 +1,6 @@
 #include "hosts/kestrix/ui/LoggedDataWindow.h"
 
+#include "hosts/kestrix/ui/ElidedLabel.h"
 #include "hosts/kestrix/ui/UiTexts.h"
 #include "logger/FormatDateTime.h"
 #include "logger/SuiteKey.h"
@@ -10,7 +11,6 @@
 
 #include <QFileDialog>
 #include <QFontMetrics>
-#include <QLabel>
 #include <QShortcut>
 
 namespace zr::desktop {
@@ -62,10 +62,9 @@ void WantAll(const ZRLoggerInfo& info, XmlNode& root)
 }  // namespace
 
 LoggedDataWindow::LoggedDataWindow(QWidget* parent, const ZRBasicString& name, XmlDocument* settings)
-    : ZRVirtualLoggerDataExplorer(parent), m_name(name), m_settings(settings), m_status(new QLabel(this))
+    : ZRVirtualLoggerDataExplorer(parent), m_name(name), m_settings(settings), m_status(new ElidedLabel(this))
 {
     m_status->setObjectName(QString::number(kLoggedStatus));
-    m_status->setTextFormat(Qt::PlainText);
     m_status->setContentsMargins(kStatusPadding, 0, kStatusPadding, 0);
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(FilledText(kTextLoggedTitle, {name}));

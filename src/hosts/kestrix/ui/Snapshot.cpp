@@ -1,20 +1,33 @@
 #include "hosts/kestrix/ui/Snapshot.h"
 
+#include "hosts/kestrix/LoggedVariables.h"
+#include "hosts/kestrix/ui/LoggedDataWindow.h"
 #include "hosts/kestrix/ui/MainFrame.h"
 #include "hosts/kestrix/ui/PageSetupDlg.h"
 #include "hosts/kestrix/ui/UiTexts.h"
 #include "platform/FileReplace.h"
+#include "siblings/tools/ui/CDlgProgress.h"
+#include "siblings/tools/ZRLoadString.h"
 
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <QApplication>
 #include <QBuffer>
-#include <QCoreApplication>
 #include <QPixmap>
+#include <QPointer>
+#include <QPrintPreviewDialog>
+#include <QTimer>
+#include <QToolButton>
 #include <set>
+#include <utility>
 
 namespace zr::desktop {
 namespace {
+
+constexpr QSize kNarrowWindow{360, 420};
+constexpr int kLookPeriod = 20;  // ms
+constexpr int kPartLoaded = 40;  // percent
 
 class Camera {
 public:
@@ -48,6 +61,24 @@ public:
         Take(std::make_unique<PageSetupDlg>(&m_frame, DesktopSettings()), "pagesetup");
     }
 
+    // The logged data of the first device of which something is recorded: as they open, in a window too narrow for its
+    // buttons, and on paper; and what is shown while they are loaded. Nothing where nothing is recorded.
+    void TakeLoggedData()
+    {
+        const DeviceTree& tree = m_frame.Tree().Tree();
+        for (std::size_t node = 0; node < tree.Size(); ++node) {
+            if (tree[node].kind == DeviceTree::Kind::Device &&
+                !LoggedVariables(tree.DevicesOf(node)).variables.empty()) {
+                const QPointer<LoggedDataWindow> window = m_frame.OpenLoggedData(node);
+                if (window != nullptr) {
+                    TakeTable(*window);
+                    delete window;
+                }
+                return;
+            }
+        }
+    }
+
     void SetSuffix(const std::string& suffix) { m_suffix = suffix; }
     [[nodiscard]] const std::string& Problem() const { return m_problem; }
 
@@ -59,6 +90,53 @@ private:
         SelectFirstValue();
         Settle();
         Save(m_frame.grab(), name);
+    }
+
+    void TakeTable(LoggedDataWindow& window)
+    {
+        Settle();
+        Save(window.grab(), "logged-table");
+        TakePreview(window);
+        window.resize(kNarrowWindow);
+        Settle();
+        Save(window.grab(), "logged-narrow");
+        TakeMenuOfChevron(window);
+        auto progress = std::make_unique<CDlgProgress>(&window);
+        ZRBasicString title;
+        progress->SetTitle(ZRLoadString(logger::kTextLoading, title));
+        progress->SetText(logger::kLoadingText);
+        progress->SetPos(kPartLoaded);
+        Take(std::move(progress), "logged-loading");
+    }
+
+    void TakeMenuOfChevron(const LoggedDataWindow& window)
+    {
+        auto* const chevron = window.findChild<QToolButton*>(QStringLiteral("chevron"));
+        if (chevron == nullptr || !chevron->isVisible()) {
+            return;
+        }
+        chevron->click();
+        Settle();
+        if (QWidget* const menu = QApplication::activePopupWidget(); menu != nullptr) {
+            Save(menu->grab(), "logged-chevron");
+            menu->close();
+        }
+    }
+
+    void TakePreview(LoggedDataWindow& window)
+    {
+        // Its pages are printed while its loop runs, behind a dialog of their own where that takes long.
+        QTimer whenItIsThere;
+        QObject::connect(&whenItIsThere, &QTimer::timeout, &window, [this, &whenItIsThere] {
+            if (auto* const preview = qobject_cast<QPrintPreviewDialog*>(QApplication::activeModalWidget())) {
+                whenItIsThere.stop();
+                Settle();
+                Save(preview->grab(), "logged-preview");
+                preview->close();
+            }
+        });
+        whenItIsThere.start(kLookPeriod);
+        window.OnFilePrintPreview();
     }
 
     // So that the strip of the selected value is in the picture.
@@ -119,6 +197,7 @@ bool SaveSnapshots(MainFrame& frame, const std::filesystem::path& folder, std::s
         camera.SetSuffix(suffix);
         camera.TakePages();
         camera.TakeDialogs();
+        camera.TakeLoggedData();
     }
     problem = camera.Problem();
     return problem.empty();

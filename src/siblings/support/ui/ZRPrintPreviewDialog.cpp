@@ -106,6 +106,8 @@ ZRPrintPreviewDialog::Printed ZRPrintPreviewDialog::Print(QPrinter& printer, CPr
     }
     CDC dc(painter, printer);
     info.m_rectDraw = QRect(0, 0, dc.GetDeviceCaps(zr::ui::HORZRES), dc.GetDeviceCaps(zr::ui::VERTRES));
+    // As a printer does; a file would show in its margins what goes beyond.
+    painter.setClipRect(info.m_rectDraw);
     OnBeginPrinting(&dc, &info);
     const Printed result = PrintPages(printer, dc, info, mostPages);
     OnEndPrinting(&dc, &info);

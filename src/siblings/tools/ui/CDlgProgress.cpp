@@ -42,6 +42,7 @@ void CDlgProgress::OnInitDialog()
 {
     ZRBasicString cancel;
     m_cancel->setText(zr::ui::ToQt(ZRLoadString(kTextCancel, cancel).Text()));
+    ShowState();
     m_timer.start(kShowPeriod);
     setWindowOpacity(0.0);
     QTimer::singleShot(kVisibleAfter, this, [this] { setWindowOpacity(1.0); });

@@ -97,7 +97,7 @@ struct ValueMap {
 // One curve in its zone. Zoomed or not, its columns are those of the rectangle.
 struct CurvePanel {
     Rect rect;      // of the zone's curves: clip to it
-    int curve = 0;  // zero-based, in order of the curves given
+    int curve = 0;  // zero-based, in the order of those shown
     CurveShape shape = CurveShape::Line;
     ValueMap map;
     LOGPEN pen;  // width in pixels of the picture; black and dashed for a monochrome target

@@ -11,8 +11,9 @@
 
 #include <QApplication>
 #include <QImage>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QStyleFactory>
-#include <QTest>
 #include <string>
 
 namespace {
@@ -59,16 +60,17 @@ public:
     void ZoomToHalf()
     {
         SetMode(1);
-        QTest::mousePress(this, Qt::LeftButton, Qt::NoModifier, QPoint(kWidth / 4, kHeight / 2));
-        QTest::mouseMove(this, QPoint(kWidth * 3 / 4, kHeight / 2));
-        QTest::mouseRelease(this, Qt::LeftButton, Qt::NoModifier, QPoint(kWidth * 3 / 4, kHeight / 2));
+        Mouse(QEvent::MouseButtonPress, kWidth / 4);
+        Mouse(QEvent::MouseMove, kWidth * 3 / 4);
+        Mouse(QEvent::MouseButtonRelease, kWidth * 3 / 4);
         SetMode(0);
         Require(!zoomHistory.empty(), "no zoom");
     }
     // By a tenth of what is in view.
     void Pan(bool right)
     {
-        QTest::keyClick(this, right ? Qt::Key_Right : Qt::Key_Left);
+        QKeyEvent key(QEvent::KeyPress, right ? Qt::Key_Right : Qt::Key_Left, Qt::NoModifier);
+        QApplication::sendEvent(this, &key);
         repaint();
     }
     void Whole()
@@ -83,6 +85,16 @@ protected:
     {
         ++paints;
         ZRGraph::paintEvent(event);
+    }
+
+private:
+    void Mouse(QEvent::Type type, int x)
+    {
+        const QPointF at(x, kHeight / 2);
+        const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        const Qt::MouseButtons down = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, at, mapToGlobal(at), button, down, Qt::NoModifier);
+        QApplication::sendEvent(this, &event);
     }
 };
 

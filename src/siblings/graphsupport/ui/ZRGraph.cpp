@@ -1,6 +1,7 @@
 #include "siblings/graphsupport/ui/ZRGraph.h"
 
 #include "platform/ui/CDC.h"
+#include "platform/ui/UiText.h"
 #include "siblings/graphsupport/GraphModel.h"
 #include "siblings/graphsupport/ui/CurvePainter.h"
 #include "siblings/graphsupport/ui/GraphDrawing.h"
@@ -109,6 +110,20 @@ public:
     {
         m_isOld = true;
         m_window.update();
+    }
+
+    // For those who hear the values: the keys move the cursor without a pointer.
+    void TellCursor()
+    {
+        const std::optional<std::int64_t> cursor = m_model.Cursor();
+        if (!IsReady() || !cursor) {
+            return;
+        }
+        QStringList words(zr::ui::ToQt(m_model.CursorText()));
+        for (const zr::graph::CurveReading& reading : m_model.ReadingsAt(*cursor)) {
+            words += zr::ui::ToQt(reading.title) + QLatin1Char(' ') + zr::ui::ToQt(reading.value);
+        }
+        m_window.setAccessibleDescription(words.join(QStringLiteral("; ")));
     }
 
     void Paint(QPainter& painter)
@@ -395,6 +410,7 @@ void ZRGraph::keyPressEvent(QKeyEvent* event)
     event->setAccepted(action.has_value());
     if (action) {
         m_parts->Do([&](GraphModel& model) { model.Do(*action); });
+        m_parts->TellCursor();
     }
 }
 

@@ -4,8 +4,11 @@
 #include "siblings/driversupport/ZRLoggerData.h"
 #include "siblings/driversupport/ZRLoggerInfo.h"
 #include "siblings/graphsupport/CurveInfo.h"
+#include "siblings/graphsupport/CurveRows.h"
 #include "siblings/graphsupport/DateText.h"
 #include "siblings/graphsupport/GraphData.h"
+#include "siblings/graphsupport/GraphModes.h"
+#include "siblings/graphsupport/GraphReadings.h"
 #include "siblings/graphsupport/GraphScene.h"
 #include "siblings/graphsupport/GraphZoom.h"
 #include "siblings/graphsupport/SpanPainter.h"
@@ -19,11 +22,6 @@
 #include <vector>
 
 namespace zr::graph {
-
-// What the left button does. As ZRGraph::SetMode takes it.
-inline constexpr int kTooltipMode = 0;
-inline constexpr int kZoomMode = 1;
-inline constexpr int kPanMode = 2;
 
 // Keys as given, to be mapped one to one by the window.
 enum class GraphAction {
@@ -45,8 +43,6 @@ enum class GraphAction {
     PanMode,        // 3
 };
 
-enum class PointerShape { Arrow, Cross, OpenHand, ClosedHand, SizeMarker };
-
 // What has changed since it was asked last.
 struct GraphChanges {
     bool under = false;  // the scene as a whole: curves are to be drawn again
@@ -62,33 +58,6 @@ struct GraphStatus {
     double recordsPerColumn = 0.0;  // 0 without any; above 1 minima and maxima are shown
     bool isReduced = false;
     ZRBasicString text;  // the same for people; empty without curves
-};
-
-// A curve at a time, in words.
-struct CurveReading {
-    int curve = 0;
-    ZRBasicString title;
-    ZRBasicString value;  // with unit; "-" in a gap
-    ZRBasicString range;  // least to largest of the column of pixels, where it holds more than one value; else empty
-};
-
-// A curve between the markers.
-struct MarkerReading {
-    int curve = 0;
-    ZRBasicString title;
-    ZRBasicString atFirst;  // "-" in a gap, as are those below without a sample
-    ZRBasicString atSecond;
-    ZRBasicString difference;
-    ZRBasicString minimum;
-    ZRBasicString mean;
-    ZRBasicString maximum;
-    ZRBasicString sum;  // of bars; else empty
-};
-
-// One point of a curve as a line of a vector file, in pixels of the picture. A break where y is NaN.
-struct PathPoint {
-    double x = 0.0;
-    double y = 0.0;
 };
 
 // Curves in horizontal zones over one scale of time. The curves stand in the order given; neighbours of one zone and
@@ -139,7 +108,7 @@ public:
 
     [[nodiscard]] GraphStatus Status() const;
     [[nodiscard]] std::size_t Curves() const;
-    // As a COLORREF; black when monochrome.
+    // As a COLORREF; of a monochrome target black is to be taken instead.
     [[nodiscard]] unsigned long Colour(int curve) const;
 
     // --- the pointer; places in pixels of the target ---
@@ -197,6 +166,12 @@ public:
 
 private:
     class Parts;
+
+    void PanByPart(double part);  // of what is in view
+    void ZoomByKey(double factor);
+    void MoveCursor(int columns);
+    void SetMarkerAtCursor();
+
     std::unique_ptr<Parts> m_parts;
 };
 

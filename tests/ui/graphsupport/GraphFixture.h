@@ -88,7 +88,7 @@ protected:
     }
     static VariableDescription OfClass(VariableDescription variable, VariableClass infoClass)
     {
-        variable.infoCode = static_cast<int>(infoClass);
+        variable.variableClass = infoClass;
         return variable;
     }
     static VariableClass ClassOf(const ZRBasicString& name)

@@ -119,7 +119,7 @@ public:
         if (!IsReady() || !cursor) {
             return;
         }
-        QStringList words(zr::ui::ToQt(m_model.CursorText()));
+        QStringList words(zr::ui::ToQt(ZRBasicString()));
         for (const zr::graph::CurveReading& reading : m_model.ReadingsAt(*cursor)) {
             words += zr::ui::ToQt(reading.title) + QLatin1Char(' ') + zr::ui::ToQt(reading.value);
         }

@@ -66,7 +66,10 @@ public:
             return;
         }
         Fit(m_ratio);
-        m_model.SetMode(m_window.mode);
+        // It may have been written from outside. Setting it ends a drag.
+        if (m_window.mode != m_model.Mode()) {
+            m_model.SetMode(m_window.mode);
+        }
         work(m_model);
         Publish();
     }
@@ -338,6 +341,16 @@ bool ZRGraph::CopyToClipboard(bool monochrome)
 double ZRGraph::RecordsPerColumn() const
 {
     return m_parts->IsReady() ? m_parts->Model().Status().recordsPerColumn : 0.0;
+}
+
+ZRBasicString ZRGraph::StatusText() const
+{
+    return m_parts->IsReady() ? m_parts->Model().Status().text : ZRBasicString();
+}
+
+zr::graph::Zoom ZRGraph::InView() const
+{
+    return m_parts->Model().InView();
 }
 
 void ZRGraph::OnPaint(QPainter& painter)

@@ -1,6 +1,7 @@
 #include "logger/ui/ZRVirtualLoggerDataExplorer.h"
 
 #include "dialogs/ui/CGoToDateDlg.h"
+#include "logger/ui/ZRVirtualLoggerDataGraphicViewer.h"
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 #include "platform/ui/AfxMessageBox.h"
 #include "platform/ui/Images.h"
@@ -194,7 +195,9 @@ void ZRVirtualLoggerDataExplorer::Setup(const ZRLoggerInfo& info, int* selectedV
 
 void ZRVirtualLoggerDataExplorer::CreateViewer(int kind)
 {
-    if (kind == kTableViewer) {
+    if (kind == kGraphViewer) {
+        viewer = std::make_unique<ZRVirtualLoggerDataGraphicViewer>();
+    } else if (kind == kTableViewer) {
         viewer = std::make_unique<ZRVirtualLoggerDataTableViewer>();
     }
 }

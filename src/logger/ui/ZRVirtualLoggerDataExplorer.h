@@ -39,7 +39,7 @@ public:
 
     // Each: see LoggerExplorer.
     virtual void Setup(const ZRLoggerInfo& info, int* selectedViewer);
-    // Makes a viewer of that kind in `viewer`: 2 is the table, others leave it null.
+    // Makes a viewer of that kind in `viewer`: 1 is the graph, 2 the table, others leave it null.
     virtual void CreateViewer(int kind);
     // Fills the toolbar. True.
     virtual bool InitializeToolBar();

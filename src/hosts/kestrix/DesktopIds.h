@@ -152,6 +152,14 @@ inline constexpr unsigned kTextLoggedOffset = 40216;
 inline constexpr unsigned kTextLoggedNothingPrinted = 40217;
 inline constexpr unsigned kTextLoggedNone = 40218;
 inline constexpr unsigned kTextTipLoggedData = 40219;
+inline constexpr unsigned kTextLoggedFailed = 40220;
+inline constexpr unsigned kTextLoggedDamaged = 40221;
+inline constexpr unsigned kTextLoggedNoValues = 40222;
+inline constexpr unsigned kTextLoggedVanished = 40223;
+inline constexpr unsigned kTextLoggedMore = 40224;
+inline constexpr unsigned kMessageLoadFailed = 40225;
+inline constexpr unsigned kMessageArrangementNotKept = 40226;
+inline constexpr unsigned kMessageArrangementLost = 40227;
 
 // The page of logged data.
 inline constexpr unsigned kTextLoggedData = 40320;

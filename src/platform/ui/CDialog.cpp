@@ -1,5 +1,7 @@
 #include "platform/ui/CDialog.h"
 
+#include <QApplication>
+#include <QPointer>
 #include <QTimer>
 #include <utility>
 
@@ -39,7 +41,17 @@ int CDialog::DoModal()
     if (zr::ui::ModalHook()) {
         QTimer::singleShot(0, this, [this] { zr::ui::ModalHook()(*this); });
     }
-    return exec() == QDialog::Accepted ? zr::ui::IDOK : zr::ui::IDCANCEL;
+    const QPointer<QWidget> before = QApplication::activeWindow();
+    const int result = exec();
+    // Not every window system gives the keys back to the window that had them. Told of late, this one may still seem to
+    // have them; another program or window that took them keeps them.
+    const QWidget* const now = QApplication::activeWindow();
+    const bool isOurs = QGuiApplication::applicationState() == Qt::ApplicationActive &&
+                        (now == nullptr || now == this || now == before);
+    if (isOurs && before != nullptr) {
+        before->activateWindow();
+    }
+    return result == QDialog::Accepted ? zr::ui::IDOK : zr::ui::IDCANCEL;
 }
 
 void CDialog::OnOK()

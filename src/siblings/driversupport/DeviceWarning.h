@@ -43,6 +43,8 @@ enum class DeviceWarning : int {
     SupervisedElsewhere = 29,
     ConfigurationRefused = 30,
     StoreDamaged = 31,  // no text of its own
+    LoadFailed = 32,    // no text of its own
+    SettingsLost = 33,  // no text of its own
     DeviceAnswersAgain = 257,
     ConnectionOpened = 258,
     ConfigurationLoaded = 260,

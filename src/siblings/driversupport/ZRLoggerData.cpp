@@ -11,6 +11,7 @@
 
 namespace {
 
+constexpr const char* kNoStore = "there is no store of logged data";
 constexpr std::int64_t kMicros = 1000000;
 constexpr std::int64_t kEpoch = 946684800;  // of ZRDateTime, seconds since 1970
 
@@ -218,8 +219,9 @@ std::optional<std::string> GroupColumn(zr::LoggerReader& reader, const ZRBasicSt
 
 }  // namespace
 
-ZRLoggerData::CRecordGroup::CRecordGroup(zr::RecordArena arena, const ZRDateTimeSpan& period, const zr::TimeZone& zone)
-    : m_arena(std::move(arena)), m_period(period), m_zone(zone)
+ZRLoggerData::CRecordGroup::CRecordGroup(zr::RecordArena arena, const ZRDateTimeSpan& period, const zr::TimeZone& zone,
+                                         Reading reading)
+    : m_arena(std::move(arena)), m_reading(std::move(reading)), m_period(period), m_zone(zone)
 {
     Select(0, m_arena.Size());
 }
@@ -303,6 +305,8 @@ bool ZRLoggerData::SelectData(const ZRDateTime& from, const ZRDateTime& to, zr::
     m_groups.clear();
     m_reader.reset();
     m_split = {};
+    m_reading = {};
+    m_isStoreMissing = false;
     m_zone = zr::PlantZone();
     if (!from.IsValid() || !to.IsValid() || from >= to) {
         return false;
@@ -318,7 +322,8 @@ bool ZRLoggerData::SelectData(const ZRDateTime& from, const ZRDateTime& to, zr::
             column.hours = m_split.Find(column.filter, column.hour);
         }
     }
-    return Load(from, to, progress);
+    m_isStoreMissing = !Load(from, to, progress);
+    return !m_isStoreMissing;
 }
 
 ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& period, zr::Progress* progress)
@@ -326,13 +331,13 @@ ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& peri
     std::unique_ptr<CRecordGroup>& group = m_groups[{period.seconds, period.microseconds}];
     if (group == nullptr) {
         zr::RecordArena arena;
+        m_reading = {m_isStoreMissing ? kNoStore : "", {}};
         if (m_reader != nullptr) {
-            m_failure.clear();
-            m_damage.clear();
             arena = period.seconds > 0 ? BuildGrouped(period.seconds, progress) : BuildRecorded(progress);
         }
-        group.reset(new CRecordGroup(std::move(arena), period, m_zone));
+        group.reset(new CRecordGroup(std::move(arena), period, m_zone, m_reading));
     }
+    m_reading = group->m_reading;
     return *group;
 }
 
@@ -355,11 +360,11 @@ bool ZRLoggerData::NoteReading(const std::optional<std::string>& damage)
 {
     constexpr std::size_t kMostTold = 100;
     if (!damage.has_value()) {
-        m_failure = m_reader->Error();
+        m_reading.failure = m_reader->Error();
         return false;
     }
-    if (!damage->empty() && m_damage.size() < kMostTold) {
-        m_damage.push_back(*damage);
+    if (!damage->empty() && m_reading.damage.size() < kMostTold) {
+        m_reading.damage.push_back(*damage);
     }
     return true;
 }

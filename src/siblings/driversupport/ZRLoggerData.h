@@ -56,10 +56,16 @@ public:
 
     private:
         friend class ZRLoggerData;
-        CRecordGroup(zr::RecordArena arena, const ZRDateTimeSpan& period, const zr::TimeZone& zone);
+        // What went wrong while the group was read; see Failure() and Damage().
+        struct Reading {
+            std::string failure;
+            std::vector<std::string> damage;
+        };
+        CRecordGroup(zr::RecordArena arena, const ZRDateTimeSpan& period, const zr::TimeZone& zone, Reading reading);
         void Select(std::size_t firstIndex, std::size_t lastIndex);
 
         zr::RecordArena m_arena;
+        Reading m_reading;
         ZRDateTimeSpan m_period;
         const zr::TimeZone& m_zone;  // of the data that this is a group of
     };
@@ -85,10 +91,12 @@ public:
     // PeriodCuts and SampleGrouper); periods without a value of any variable have none. Read on the first call, later
     // ones give the same group with its selection. Progress may be null.
     CRecordGroup& RecordGroup(const ZRDateTimeSpan& period, zr::Progress* progress);
-    // Why the store failed when a group was read last; empty when it didn't.
-    [[nodiscard]] const std::string& Failure() const { return m_failure; }
-    // What was damaged in the store, and so left out, when a group was read last: one line each, naming file or node.
-    [[nodiscard]] const std::vector<std::string>& Damage() const { return m_damage; }
+    // Why the group that was asked for last is empty, as the store failed or there is none; empty when it didn't fail.
+    // English.
+    [[nodiscard]] const std::string& Failure() const { return m_reading.failure; }
+    // What was damaged in the store, and so left out of the group that was asked for last: one line each, naming file
+    // or node.
+    [[nodiscard]] const std::vector<std::string>& Damage() const { return m_reading.damage; }
     // Why columns of the selection have no values: one line each, in English, naming the filter file.
     [[nodiscard]] const std::vector<std::string>& Problems() const { return m_split.Problems(); }
 
@@ -115,10 +123,10 @@ private:
     // Takes down what was damaged while blocks were read, if anything; without a text the reading failed, and so false.
     bool NoteReading(const std::optional<std::string>& damage);
 
-    std::string m_failure;
-    std::vector<std::string> m_damage;
+    CRecordGroup::Reading m_reading;  // of the group that is read, or was asked for last
     std::vector<Column> m_columns;
     std::unique_ptr<zr::LoggerReader> m_reader;  // null: nothing to read
+    bool m_isStoreMissing = false;               // for a range that there is
     zr::HourSplit m_split;                       // while the range holds
     zr::TimeZone m_zone;                         // while the range holds
     std::int64_t m_from = 0;                     // UTC, microseconds since 1970

@@ -1,9 +1,7 @@
 #include "hosts/kestrix/ui/LoggedDataWindow.h"
 
-#include "DesktopFixture.h"
+#include "LoggedDataFixture.h"
 #include "logger/SuiteKey.h"
-#include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
-#include "siblings/driversupport/store/MemoryLoggerStore.h"
 #include "ui/support/KeepPicture.h"
 
 #include <QClipboard>
@@ -16,46 +14,7 @@ namespace {
 
 using namespace zr::logger;
 
-// The meters' voltages and energy of the hours before now, in a store of the test's.
-class LoggedDataWindowTest : public DesktopFixture {
-protected:
-    LoggedDataWindowTest() { SetPlantZone(TimeZone()); }
-    ~LoggedDataWindowTest() override
-    {
-        m_frame.reset();
-        SetLoggerStore(nullptr);
-        SetPlantZone(TimeZone::System());
-    }
-
-    void StartWithData()
-    {
-        Start();
-        const ZRDateTime now = ZRDateTime::LTC();
-        std::vector<ZRBasicString> names = {u"METER-1.U1", u"METER-1.U2", u"METER-2.U1"};
-        std::vector<LoggerAppend> batch;
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            const int series = m_store.OpenSeries(names[i], 1);
-            for (int k = 0; k < 40; ++k) {
-                const std::int64_t time = (946684800LL + now.seconds) / 86400 * 86400 - 3 * 86400 + k * 900;
-                batch.push_back({series, time * 1000000, 2300.0 + k});
-            }
-        }
-        ASSERT_TRUE(m_store.Append(batch));
-        ASSERT_TRUE(m_store.SetDataSet({u"mains", 60, 0, names}));
-        SetLoggerStore(&m_store);
-    }
-    LoggedDataWindow* OpenFor(const wchar* device)
-    {
-        const auto node = m_frame->Tree().Tree().FindDevice(device);
-        return node ? m_frame->OpenLoggedData(*node) : nullptr;
-    }
-    static CVirtualListCtrl& List(LoggedDataWindow& window)
-    {
-        return *dynamic_cast<ZRVirtualLoggerDataTableViewer&>(*window.Viewer()).List();
-    }
-
-    MemoryLoggerStore m_store;
-};
+using LoggedDataWindowTest = LoggedDataFixture;
 
 TEST_F(LoggedDataWindowTest, OpensOnWhatIsRecordedOfTheSelectedDevice)
 {

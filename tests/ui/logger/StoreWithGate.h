@@ -14,6 +14,10 @@ public:
 
     // On the loader's thread, before a block is shown. False: the store fails.
     std::function<bool()> gate;
+    // Why it fails then.
+    std::string failure = "the store went away";
+    // What it tells of a block that it left out; empty: none.
+    std::string damage;
 
     int OpenSeries(const ZRBasicString& variable, std::int32_t infoCode) override
     {
@@ -40,6 +44,7 @@ private:
                         LoggerBlockVisitor& visitor) override
         {
             m_visitor = &visitor;
+            m_isShut = false;
             return m_reader->ReadBlocks(variable, from, to, need, *this);
         }
         bool LastBefore(const ZRBasicString& variable, std::int64_t time, LoggerSample& sample) override
@@ -53,17 +58,23 @@ private:
         std::int32_t InfoCode(const ZRBasicString& variable) override { return m_reader->InfoCode(variable); }
         bool DataSets(std::vector<LoggerDataSet>& sets) override { return m_reader->DataSets(sets); }
         bool Check(LoggerCheck& check, Progress* progress) override { return m_reader->Check(check, progress); }
-        [[nodiscard]] std::string Error() const override { return m_reader->Error(); }
+        [[nodiscard]] std::string Error() const override
+        {
+            const std::string error = m_reader->Error();
+            return m_isShut ? m_store.failure : error.empty() ? m_store.damage : error;
+        }
 
     private:
         bool OnBlock(LoggerBlock& block) override
         {
-            return (!m_store.gate || m_store.gate()) && m_visitor->OnBlock(block);
+            m_isShut = m_store.gate && !m_store.gate();
+            return !m_isShut && m_visitor->OnBlock(block);
         }
 
         StoreWithGate& m_store;
         std::unique_ptr<LoggerReader> m_reader;
         LoggerBlockVisitor* m_visitor = nullptr;
+        bool m_isShut = false;
     };
 
     LoggerStore& m_store;

@@ -5,6 +5,7 @@
 #include "platform/ui/CEdit.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <QTest>
 
 namespace {
@@ -92,6 +93,35 @@ TEST_F(CDialogTest, EndsWithCancelOnEscape)
 {
     Question dialog;
     zr::ui::SetModalHook([&](QDialog& shown) { QTest::keyClick(&shown, Qt::Key_Escape); });
+    EXPECT_EQ(dialog.DoModal(), static_cast<int>(zr::ui::IDCANCEL));
+}
+
+TEST_F(CDialogTest, GivesTheKeysBackToTheWindowThatHadThem)
+{
+    QWidget window;
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    Question dialog;
+    zr::ui::SetModalHook([&](QDialog&) {
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        QTest::mouseClick(&dialog.cancel, Qt::LeftButton);
+    });
+    dialog.DoModal();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+}
+
+TEST_F(CDialogTest, OutlivesTheWindowThatHadTheKeys)
+{
+    auto window = std::make_unique<QWidget>();
+    window->show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    Question dialog;
+    zr::ui::SetModalHook([&](QDialog&) {
+        window.reset();
+        QTest::mouseClick(&dialog.cancel, Qt::LeftButton);
+    });
     EXPECT_EQ(dialog.DoModal(), static_cast<int>(zr::ui::IDCANCEL));
 }
 

@@ -467,6 +467,43 @@ TEST_F(ZRLoggerDataTest, DamageIsToldWhateverIsReadAfterIt)
     EXPECT_EQ(data.Failure(), "");
     EXPECT_EQ(data.RecordGroup(kDay, nullptr).count, 2);
     EXPECT_EQ(data.Damage(), std::vector<std::string>());
+    // Also where the group was read before.
+    EXPECT_EQ(data.RecordGroup(kRecorded, nullptr).count, 1);
+    EXPECT_EQ(data.Damage(), std::vector<std::string>{"a block is damaged"});
+}
+
+TEST_F(ZRLoggerDataTest, TellsAFailureOfTheGroupThatIsAskedForAndOfNoOther)
+{
+    Record(u"M.U", VariableClass::Instantaneous, Date(20, 12, 2002, 8), 1.0);
+    SetVariables({u"M.U"});
+    ASSERT_TRUE(data.SelectData(Date(1, 12, 2002), Date(31, 12, 2002), nullptr));
+    store.SetAvailable(false);
+    EXPECT_EQ(data.RecordGroup(kRecorded, nullptr).count, 0);
+    const std::string failure = data.Failure();
+    EXPECT_NE(failure, "");
+    store.SetAvailable(true);
+    EXPECT_EQ(data.RecordGroup(kDay, nullptr).count, 1);
+    EXPECT_EQ(data.Failure(), "");
+    EXPECT_EQ(data.RecordGroup(kRecorded, nullptr).count, 0);
+    EXPECT_EQ(data.Failure(), failure);
+    // It is read anew with the range.
+    ASSERT_TRUE(data.SelectData(Date(1, 12, 2002), Date(31, 12, 2002), nullptr));
+    EXPECT_EQ(data.Failure(), "");
+    EXPECT_EQ(data.RecordGroup(kRecorded, nullptr).count, 1);
+    EXPECT_EQ(data.Failure(), "");
+}
+
+TEST_F(ZRLoggerDataTest, TellsThatThereIsNoStore)
+{
+    SetLoggerStore(nullptr);
+    SetVariables({u"M.U"});
+    EXPECT_FALSE(data.SelectData(Date(1, 12, 2002), Date(31, 12, 2002), nullptr));
+    EXPECT_EQ(data.RecordGroup(kRecorded, nullptr).count, 0);
+    EXPECT_EQ(data.Failure(), "there is no store of logged data");
+    // A range without a day has nothing to read, which is no failure.
+    EXPECT_FALSE(data.SelectData(Date(1, 12, 2002), Date(1, 12, 2002), nullptr));
+    EXPECT_EQ(data.RecordGroup(kRecorded, nullptr).count, 0);
+    EXPECT_EQ(data.Failure(), "");
 }
 
 }  // namespace

@@ -64,6 +64,7 @@ private:
     QTimer m_publicationTimer;
     QTimer m_signalTimer;
     bool m_isReloadAsked = false;
+    bool m_isEnding = false;  // by a signal, which may come before the message loop runs
 };
 
 Desktop::Desktop(const DesktopOptions& options, QApplication& application)
@@ -76,6 +77,7 @@ Desktop::~Desktop()
 {
     m_publicationTimer.stop();
     m_frame.reset();
+    m_supervisor.TakeNotices();  // of what they could not keep
 }
 
 int Desktop::Run()
@@ -95,6 +97,9 @@ int Desktop::Run()
     m_signals = std::make_unique<StopSignals>();
     m_supervisor.Start();
     m_frame = std::make_unique<MainFrame>(m_supervisor, m_settings);
+    if (!TakesPictures()) {
+        m_frame->KeepLoggedDataSettings(ConfigFolder() / "logged-data-windows.xml");
+    }
     StartTimers();
     if (TakesPictures()) {
         return TakePictures();
@@ -104,7 +109,7 @@ int Desktop::Run()
     // With its first picture, which is what a user waits for.
     QApplication::processEvents();
     Log("the window is shown");
-    const int status = QApplication::exec();
+    const int status = m_isEnding ? kEndedAsAsked : QApplication::exec();
     if (!m_settings.Store(ZRKestrixSetup::Get().registryKey)) {
         Log("the places of the windows can't be kept: the user's settings can't be written");
     }
@@ -155,7 +160,8 @@ void Desktop::TakeSignals()
     } else if (signal != StopSignal::None) {
         // Whoever sends it can't answer questions.
         m_frame->KeepSettings();
-        QApplication::quit();
+        m_isEnding = true;
+        MainFrame::EndProgram();
     }
     // A dialog may hold what goes with the old document.
     if (m_isReloadAsked && QApplication::activeModalWidget() == nullptr) {

@@ -1,6 +1,7 @@
 #include "hosts/kestrix/ui/LoggedDataWindow.h"
 
-#include "hosts/kestrix/ui/ElidedLabel.h"
+#include "hosts/kestrix/LoadTrouble.h"
+#include "hosts/kestrix/ui/StatusLine.h"
 #include "hosts/kestrix/ui/UiTexts.h"
 #include "logger/FormatDateTime.h"
 #include "logger/SuiteKey.h"
@@ -8,6 +9,7 @@
 #include "platform/FileReplace.h"
 #include "platform/ui/AfxMessageBox.h"
 #include "platform/ui/Images.h"
+#include "siblings/driversupport/DeviceWarning.h"
 
 #include <QFileDialog>
 #include <QFontMetrics>
@@ -19,6 +21,7 @@ namespace {
 using namespace zr::logger;
 
 constexpr int kStatusPadding = 6;
+constexpr const char* kBetweenParts = "   |   ";
 constexpr QSize kFirstSize{860, 560};
 // A time as the rows of a week show it, the longest of all.
 constexpr const wchar* kLongestTime = u"  Wednesday 30 23:58:00 ";
@@ -61,16 +64,16 @@ void WantAll(const ZRLoggerInfo& info, XmlNode& root)
 
 }  // namespace
 
-LoggedDataWindow::LoggedDataWindow(QWidget* parent, const ZRBasicString& name, XmlDocument* settings)
-    : ZRVirtualLoggerDataExplorer(parent), m_name(name), m_settings(settings), m_status(new ElidedLabel(this))
+LoggedDataWindow::LoggedDataWindow(QWidget* parent, const ZRBasicString& name, LoggedDataSettings::View* settings)
+    : ZRVirtualLoggerDataExplorer(parent), m_name(name), m_settings(settings), m_status(new StatusLine(this))
 {
     m_status->setObjectName(QString::number(kLoggedStatus));
     m_status->setContentsMargins(kStatusPadding, 0, kStatusPadding, 0);
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(FilledText(kTextLoggedTitle, {name}));
     setWindowIcon(ui::NamedImage(QStringLiteral("period")));
-    if (m_settings != nullptr && m_settings->root != nullptr) {
-        Config() = *m_settings;
+    if (m_settings != nullptr && m_settings->tree.root != nullptr) {
+        Config() = m_settings->tree;
     }
     Create(parent);
     resize(kFirstSize);
@@ -86,10 +89,14 @@ void LoggedDataWindow::Open(const ZRLoggerInfo& info)
 {
     WidenTimeColumn(fontMetrics());
     WantAll(info, *Config().root);
-    Setup(info, nullptr);
+    const int usedLast = m_settings != nullptr ? m_settings->viewer : kNoViewer;
+    Setup(info, m_settings != nullptr ? &m_settings->viewer : nullptr);
     const LastChoice last = ReadLastChoice();
     SetPeriod(last.groupBy, last.samplePeriod);
-    SelectViewer(kTableViewer);
+    SelectViewer(usedLast);
+    if (Viewer() == nullptr) {
+        SelectViewer(kTableViewer);
+    }
 }
 
 bool LoggedDataWindow::InitializeToolBar()
@@ -140,10 +147,9 @@ void LoggedDataWindow::OnSize(int width, int height)
 
 void LoggedDataWindow::OnDestroy()
 {
-    const bool hadViewer = Viewer() != nullptr;
     ZRVirtualLoggerDataExplorer::OnDestroy();
-    if (hadViewer && m_settings != nullptr) {
-        *m_settings = Config();
+    if (Data() != nullptr && m_settings != nullptr) {
+        m_settings->tree = Config();
     }
 }
 
@@ -168,23 +174,20 @@ QString LoggedDataWindow::PeriodText()
     return {};
 }
 
-QString LoggedDataWindow::Problems()
+void LoggedDataWindow::TellFailure(const std::string& failure)
 {
-    if (WasLoadStopped()) {
-        return LoadText(kTextLoggedStopped);
+    if (failure != m_toldFailure && !failure.empty()) {
+        const ZRBasicString reason = Utf8ToUtf16(failure);
+        PostNotice(DeviceWarning::LoadFailed, m_name, reason, FromQt(FilledText(kMessageLoadFailed, {m_name, reason})));
     }
-    QStringList problems;
-    for (const std::string& problem : Data()->Problems()) {
-        problems << QString::fromStdString(problem);
-    }
-    return problems.join(QStringLiteral("; "));
+    m_toldFailure = failure;
 }
 
 void LoggedDataWindow::OnShown()
 {
     const auto* const table = dynamic_cast<const ZRVirtualLoggerDataTableViewer*>(Viewer());
     if (table == nullptr) {
-        m_status->clear();
+        m_status->Show({});
         return;
     }
     const int count = table->Table().Count();
@@ -193,11 +196,15 @@ void LoggedDataWindow::OnShown()
     lastDay.seconds -= 1;
     QStringList parts{count == 1 ? LoadText(kTextLoggedOneRecord) : FilledText(kTextLoggedRecords, {count}),
                       FilledText(kTextLoggedWindow, {DateText(window.dateFrom), DateText(lastDay)}), PeriodText()};
-    if (const QString problems = Problems(); !problems.isEmpty()) {
-        parts << problems;
+    const LoadTrouble trouble = LoadTrouble::Of(*Data(), WasLoadStopped());
+    TellFailure(trouble.failure);
+    const LoadTroubleText told = Describe(trouble);
+    const QString tip = parts.join(QLatin1String(kBetweenParts)) + u'\n' + ToQt(told.whole);
+    if (!told.line.IsEmpty()) {
+        // What asks for attention isn't where a narrow window ends.
+        parts.insert(told.isWarning ? 0 : parts.size(), ToQt(told.line));
     }
-    m_status->setText(parts.join(QStringLiteral("   |   ")));
-    m_status->setToolTip(PlainTip(m_status->text()));
+    m_status->Show(parts.join(QLatin1String(kBetweenParts)), tip.trimmed(), told.isWarning);
 }
 
 QString LoggedDataWindow::Status() const
@@ -263,7 +270,7 @@ bool LoggedDataWindow::ExportTo(const std::filesystem::path& file)
                       ui::MB_OK | ui::MB_ICONEXCLAMATION);
         return false;
     }
-    m_status->setText(FilledText(kTextLoggedExported, {FromQt(name)}));
+    m_status->Show(FilledText(kTextLoggedExported, {FromQt(name)}));
     return true;
 }
 

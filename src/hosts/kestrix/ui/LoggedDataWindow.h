@@ -1,29 +1,31 @@
 // A window on the logged data of a device or a group.
 #pragma once
 
+#include "hosts/kestrix/LoggedDataSettings.h"
 #include "hosts/kestrix/TableExport.h"
 #include "logger/ui/ZRVirtualLoggerDataExplorer.h"
 
 #include <filesystem>
 
-class QLabel;
-
 namespace zr::desktop {
+
+class StatusLine;
 
 inline constexpr unsigned kLoggedPrint = 33201;
 inline constexpr unsigned kLoggedExport = 33202;
 inline constexpr unsigned kLoggedStatus = 33210;
 
 // The explorer with buttons to copy, print and export, keys for its commands, and a line that tells how many records of
-// which time are shown and how they were reduced. Goes when it is closed. UI thread only.
+// which time are shown, how they were reduced, and what could not be read. Goes when it is closed. UI thread only.
 class LoggedDataWindow : public ZRVirtualLoggerDataExplorer {
 public:
     // name: of the device or group. settings: of this name, kept when the window closes; may be null, is not owned and
     // must outlive the window.
-    LoggedDataWindow(QWidget* parent, const ZRBasicString& name, XmlDocument* settings);
+    LoggedDataWindow(QWidget* parent, const ZRBasicString& name, LoggedDataSettings::View* settings);
     ~LoggedDataWindow() override;
 
-    // The table on the unit and period that the user chose last. Blocks while data are loaded.
+    // The viewer that was in use last, else the table, on the unit and period that the user chose last. Blocks while
+    // data are loaded.
     void Open(const ZRLoggerInfo& info);
     // By the extension: .csv, .xlsx or .pdf. False after the user was told why not.
     bool ExportTo(const std::filesystem::path& file);
@@ -43,11 +45,13 @@ private:
     [[nodiscard]] ExportedTable Table();
     [[nodiscard]] ZRDateTimeSpan PeriodShown();
     [[nodiscard]] QString PeriodText();
-    [[nodiscard]] QString Problems();
+    // Into the list of warnings, once for each failure.
+    void TellFailure(const std::string& failure);
 
     ZRBasicString m_name;
-    XmlDocument* m_settings;
-    QLabel* m_status;  // Owned by Qt.
+    LoggedDataSettings::View* m_settings;
+    StatusLine* m_status;  // Owned by Qt.
+    std::string m_toldFailure;
 };
 
 }  // namespace zr::desktop

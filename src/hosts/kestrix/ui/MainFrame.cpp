@@ -374,7 +374,13 @@ void MainFrame::closeEvent(QCloseEvent* event)
     }
     KeepSettings();
     event->accept();
-    QApplication::quit();
+    EndProgram();
+}
+
+// Not quit(), which asks every window and stays when one refuses, as one does while it loads or prints.
+void MainFrame::EndProgram()
+{
+    QApplication::exit();
 }
 
 void MainFrame::TakeColours()

@@ -3,6 +3,7 @@
 
 #include "hosts/kestrix/DesktopSettings.h"
 #include "hosts/kestrix/LoggedDataPage.h"
+#include "hosts/kestrix/LoggedDataSettings.h"
 #include "hosts/kestrix/PlantWatch.h"
 #include "hosts/kestrix/ui/DeviceTreeView.h"
 #include "hosts/kestrix/ui/PageView.h"
@@ -63,6 +64,9 @@ public:
     // A window on the logged data of a device or a group, beside those that are open; the one of that node comes to the
     // front where there is one. Null, after the user was told, where nothing is recorded.
     LoggedDataWindow* OpenLoggedData(std::size_t node);
+    // From now on the arrangement of those windows is kept in that file, from which it is taken first. A file that
+    // isn't fit is put aside with a warning.
+    void KeepLoggedDataSettings(const std::filesystem::path& file);
     [[nodiscard]] DeviceTreeView& Tree() const { return *m_tree; }
     // Null while nothing is selected in the tree.
     [[nodiscard]] PageView* Page() const { return m_page; }
@@ -70,6 +74,9 @@ public:
     [[nodiscard]] bool ShowsBanner() const;
     // Window place, page and bars into the settings.
     void KeepSettings();
+    // Ends all message loops, also those of dialogs. Windows go with the main window: what is loaded or printed
+    // meanwhile ends at its next step.
+    static void EndProgram();
     // The language of the system among those that there are texts for.
     [[nodiscard]] static std::string SystemLanguage();
     // A new dialog of the help menu; not owned.
@@ -121,6 +128,7 @@ private:
     // Those that are open, to be opened anew with the next registry where reopen is set.
     void CloseLoggedData(bool reopen);
     void ReopenLoggedData();
+    void StoreLoggedDataSettings();
 
     // False when the user wants to stay.
     bool AskAboutChanges();
@@ -138,13 +146,14 @@ private:
     std::unique_ptr<PlantWatch> m_watch;
     QTranslator m_qtTexts;
 
-    // By the path of the node: how the columns were arranged, and the window while it is open, which owns itself.
+    // By the path of the node: the window while it is open, which owns itself.
     struct LoggedDataView {
-        XmlDocument settings;
         QPointer<LoggedDataWindow> window;
         bool reopens = false;
     };
     std::map<ZRBasicString, LoggedDataView> m_loggedData;
+    LoggedDataSettings m_loggedDataSettings;
+    std::string m_toldNotKept;
 
     // Owned by Qt.
     QSplitter* m_splitter = nullptr;

@@ -12,6 +12,7 @@
 #include "platform/FileReplace.h"
 #include "platform/ui/AfxMessageBox.h"
 #include "platform/ui/Images.h"
+#include "siblings/driversupport/DeviceWarning.h"
 #include "siblings/tools/Utf.h"
 
 #include <QApplication>
@@ -34,6 +35,12 @@ ZRBasicString FileText(const std::filesystem::path& path)
 void Tell(const QString& text)
 {
     AfxMessageBox(ui::FromQt(text), ui::MB_OK | ui::MB_ICONEXCLAMATION);
+}
+
+void WarnOfSettings(unsigned message, const std::string& problem)
+{
+    const ZRBasicString reason = Utf8ToUtf16(problem);
+    PostNotice(DeviceWarning::SettingsLost, {}, reason, FromQt(FilledText(message, {reason})));
 }
 
 // Whether the document can be read; the user is told why it can't.
@@ -353,7 +360,8 @@ LoggedDataWindow* MainFrame::OpenLoggedData(std::size_t node)
             Tell(FilledText(kTextLoggedNone, {name}));
             return nullptr;
         }
-        view.window = new LoggedDataWindow(nullptr, name, &view.settings);
+        view.window = new LoggedDataWindow(nullptr, name, &m_loggedDataSettings.Of(tree.PathOf(node)));
+        connect(view.window, &QObject::destroyed, this, [this] { StoreLoggedDataSettings(); });
         view.window->show();
         view.window->Open(info);
     }
@@ -373,6 +381,26 @@ void MainFrame::CloseLoggedData(bool reopen)
             delete view.window;
         }
     }
+}
+
+void MainFrame::KeepLoggedDataSettings(const std::filesystem::path& file)
+{
+    std::string problem;
+    if (!m_loggedDataSettings.Load(file, problem)) {
+        WarnOfSettings(kMessageArrangementLost, problem);
+    }
+}
+
+// Once for each reason: they are stored with every window that closes.
+void MainFrame::StoreLoggedDataSettings()
+{
+    std::string problem;
+    if (m_loggedDataSettings.Store(problem)) {
+        problem.clear();
+    } else if (problem != m_toldNotKept) {
+        WarnOfSettings(kMessageArrangementNotKept, problem);
+    }
+    m_toldNotKept = problem;
 }
 
 void MainFrame::ReopenLoggedData()

@@ -8,6 +8,15 @@
 #include <QPrintDialog>
 #include <QPrinter>
 
+namespace {
+
+int ColorOf(const QPrinter& printer)
+{
+    return printer.colorMode() == QPrinter::Color ? zr::ui::DMCOLOR_COLOR : zr::ui::DMCOLOR_MONOCHROME;
+}
+
+}  // namespace
+
 int CDC::GetDeviceCaps(int index) const
 {
     switch (index) {
@@ -22,6 +31,11 @@ int CDC::GetDeviceCaps(int index) const
         default:
             return 0;
     }
+}
+
+int CDC::Color() const
+{
+    return ColorOf(m_device);
 }
 
 void CDC::SelectObject(const CFont& font)
@@ -60,4 +74,9 @@ int CPrintDialog::DoModal()
     QPrintDialog dialog(&m_printer, m_parent);
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, (m_flags & zr::ui::PD_PRINTSETUP) == 0);
     return static_cast<int>(dialog.exec() == QDialog::Accepted ? zr::ui::IDOK : zr::ui::IDCANCEL);
+}
+
+int CPrintDialog::Color() const
+{
+    return ColorOf(m_printer);
 }

@@ -343,6 +343,16 @@ double ZRGraph::RecordsPerColumn() const
     return m_parts->IsReady() ? m_parts->Model().Status().recordsPerColumn : 0.0;
 }
 
+ZRBasicString ZRGraph::StatusText() const
+{
+    return m_parts->IsReady() ? m_parts->Model().Status().text : ZRBasicString();
+}
+
+zr::graph::Zoom ZRGraph::InView() const
+{
+    return m_parts->Model().InView();
+}
+
 void ZRGraph::OnPaint(QPainter& painter)
 {
     m_parts->Paint(painter);

@@ -70,6 +70,9 @@ public:
 
     // Selected records for each column of pixels, 0 without any: above 1 the picture is reduced to minima and maxima.
     [[nodiscard]] double RecordsPerColumn() const;
+    // For a status line: how many records are in view, and how curves are reduced. Empty without curves.
+    [[nodiscard]] ZRBasicString StatusText() const;
+    [[nodiscard]] zr::graph::Zoom InView() const;
 
 protected:
     // Each pixel is painted by OnPaint.

@@ -26,7 +26,7 @@ void LoggerExplorer::NewData(const ZRLoggerInfo& info)
         // It holds a group of the data that go.
         m_viewer->SetInvalidData(true);
     }
-    m_isRead = false;
+    m_loaded.reset();
     m_data = std::make_unique<ZRLoggerData>();
     m_data->Setup(info);
 }
@@ -41,7 +41,7 @@ void LoggerExplorer::Setup(const ZRLoggerInfo& info, int* selectedViewer)
     m_window.Setup();
 }
 
-void LoggerExplorer::SelectViewer(int viewer)
+void LoggerExplorer::SelectViewer(int viewer, Reading reading)
 {
     if (viewer == m_selectedViewer) {
         return;
@@ -56,8 +56,32 @@ void LoggerExplorer::SelectViewer(int viewer)
         return;
     }
     m_viewer->Setup(m_data->loggerInfo, m_config.root);
-    m_window.SetupDataAtPeriod(m_window.dateTo, m_window.groupBy, true);
+    if (reading == Reading::WhereNeeded && IsLoaded()) {
+        m_viewer->SetInvalidData(true);
+        UpdateViewer(PeriodInForce());
+    } else {
+        m_window.SetupDataAtPeriod(m_window.dateTo, m_window.groupBy, true);
+    }
     m_host.ShowViewer(true);
+}
+
+void LoggerExplorer::UpdateViewer(const ZRDateTimeSpan& period)
+{
+    const ZRLoggerData::CRecordGroup& group = m_data->RecordGroup(period, nullptr);
+    m_viewer->Update(m_window.dateFrom, m_window.dateTo, period, m_window.groupBy, group);
+    m_viewer->SetInvalidData(false);
+}
+
+ZRDateTimeSpan LoggerExplorer::PeriodInForce()
+{
+    return IsAutomatic(m_window.samplePeriod) ? GetSamplePeriodIfAutomatic(static_cast<unsigned>(m_window.groupBy))
+                                              : m_window.samplePeriod;
+}
+
+bool LoggerExplorer::IsLoaded()
+{
+    return m_loaded && m_loaded->from == m_window.dateFrom && m_loaded->to == m_window.dateTo &&
+           m_loaded->period == PeriodInForce();
 }
 
 void LoggerExplorer::DestroyViewer()
@@ -83,13 +107,16 @@ void LoggerExplorer::Load(bool select)
     }
     m_isLoading = true;
     // What a load that failed or was stopped has left is good for no other period.
-    const bool isAnew = select || !m_isRead;
-    m_host.RunLoad([&](Progress& progress) { m_isRead = SetupDataWork(*m_data, m_window, isAnew, &progress); });
+    const bool isAnew = select || !m_loaded;
+    bool isRead = false;
+    m_host.RunLoad([&](Progress& progress) { isRead = SetupDataWork(*m_data, m_window, isAnew, &progress); });
+    m_loaded.reset();
+    if (isRead) {
+        m_loaded = Loaded{m_window.dateFrom, m_window.dateTo, m_window.samplePeriod};
+    }
     m_isLoading = false;
     if (m_viewer != nullptr) {
-        const ZRLoggerData::CRecordGroup& group = m_data->RecordGroup(m_window.samplePeriod, nullptr);
-        m_viewer->Update(m_window.dateFrom, m_window.dateTo, m_window.samplePeriod, m_window.groupBy, group);
-        m_viewer->SetInvalidData(false);
+        UpdateViewer(m_window.samplePeriod);
     }
 }
 

@@ -9,12 +9,20 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace zr::logger {
 
 inline constexpr int kNoViewer = 0;
 inline constexpr int kGraphViewer = 1;
 inline constexpr int kTableViewer = 2;
+
+// Whether a viewer that takes the place of another gets data that are read for it.
+enum class Reading {
+    Anew,
+    // Not where those at hand are of the window and period in force, and complete.
+    WhereNeeded,
+};
 
 // What the explorer asks of the viewer that fills it. UI thread only.
 class ExplorerViewer {
@@ -76,7 +84,7 @@ public:
 
     // Nothing for the one in force. Otherwise that viewer takes the place of the one before, which keeps its settings,
     // and the data are loaded; a kind that there isn't leaves none.
-    void SelectViewer(int viewer);
+    void SelectViewer(int viewer, Reading reading = Reading::Anew);
     [[nodiscard]] int SelectedViewer() const { return m_selectedViewer; }
     // Takes the viewer away when the window goes; SelectedViewer() and the host's variable stay.
     void DestroyViewer();
@@ -117,16 +125,27 @@ private:
     bool ChooseDate(const COleDateTime& offered, ZRDateTime& chosen) override;
 
     void NewData(const ZRLoggerInfo& info);
+    // Hands the viewer the records of the window at a period, reading what isn't there.
+    void UpdateViewer(const ZRDateTimeSpan& period);
+    [[nodiscard]] ZRDateTimeSpan PeriodInForce();
+    [[nodiscard]] bool IsLoaded();
+
+    // What the last load has read to its end.
+    struct Loaded {
+        ZRDateTime from;
+        ZRDateTime to;
+        ZRDateTimeSpan period;
+    };
 
     Host& m_host;
     LoggerWindow m_window;
     ExplorerViewer* m_viewer = nullptr;  // Owned by the host.
     std::unique_ptr<ZRLoggerData> m_data;
+    std::optional<Loaded> m_loaded;  // none where the last load was stopped or failed
     XmlDocument m_config;
     int* m_selectedViewerPtr = nullptr;  // Not owned.
     int m_selectedViewer = kNoViewer;
     bool m_isLoading = false;
-    bool m_isRead = false;  // by the last load, and whole; written on its thread while the window's own waits
 };
 
 }  // namespace zr::logger

@@ -169,6 +169,24 @@ const TablePrint& LoggerTable::OnBeginPrinting(const PrintDevice& device, PrintM
     return *m_print;
 }
 
+ZRBasicString LoggerTable::LeftOutOfPrint(int areaRight) const
+{
+    constexpr std::size_t kMost = 5;  // titles, so that the message stays one
+    constexpr std::size_t kLongest = 60;
+    const std::vector<std::size_t> columns =
+        m_print.has_value() ? m_print->LeftOut(areaRight) : std::vector<std::size_t>();
+    std::u16string titles;
+    for (std::size_t i = 0; i < std::min(columns.size(), kMost); ++i) {
+        const auto record = std::next(m_profile.VarsBegin(), static_cast<std::ptrdiff_t>(columns[i]));
+        const std::u16string_view title = (*record)->Title.Text();
+        titles += titles.empty() ? u"" : u", ";
+        titles += title.substr(0, kLongest);
+        titles += title.size() > kLongest ? u"..." : u"";
+    }
+    titles += columns.size() > kMost ? u", ..." : u"";
+    return ZRBasicString(titles);
+}
+
 PrintedPage LoggerTable::Print(int page, const PrintRect& area, const ZRBasicString& caption) const
 {
     return m_print.has_value() ? m_print->Page(page, area, caption) : PrintedPage();

@@ -70,6 +70,9 @@ public:
     // A page, one-based; empty before OnBeginPrinting. caption: what stands above the table.
     [[nodiscard]] PrintedPage Print(int page, const PrintRect& area, const ZRBasicString& caption) const;
     void OnEndPrinting() { m_print.reset(); }
+    // The titles of the columns that no page of such a width has room for, separated by commas; of many or
+    // long ones the beginning.
+    [[nodiscard]] ZRBasicString LeftOutOfPrint(int areaRight) const;
 
     [[nodiscard]] int GroupBy() const { return m_groupBy; }
     // Of rows; 0 while the data are invalid.

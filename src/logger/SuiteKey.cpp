@@ -36,7 +36,8 @@ void SuiteKey::WriteText(const wchar* name, const ZRBasicString& text)
 
 void SuiteKey::WriteNumber(const wchar* name, std::uint32_t number)
 {
-    if (m_isOpen) {
+    std::uint32_t stored = 0;
+    if (m_isOpen && !(ReadNumber(name, stored) && stored == number)) {
         std::uint8_t bytes[sizeof number];
         std::memcpy(bytes, &number, sizeof number);
         RegSetValueExW(m_key, name, 0, REG_DWORD, bytes, sizeof number);

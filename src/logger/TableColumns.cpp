@@ -3,7 +3,9 @@
 #include "logger/TableTexts.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
+#include <utility>
 
 namespace zr::logger {
 
@@ -80,7 +82,8 @@ ColumnPlan PlanColumns(const ZRTableProfile& profile, const ZRLoggerInfo& info, 
             const ZRBasicString& title = records[plan.columns.size() - 1]->Title;
             plan.columns.push_back(
                 {HeaderText(title, record.MeasureUnits, record.UnitsExponent), ShownWidth(record.Width)});
-            places[r] = record.Index + 1;
+            // Beyond the last place they are all alike: none.
+            places[r] = std::min(record.Index, static_cast<int>(records.size())) + 1;
         }
     }
     plan.displayOrder = DisplayOrder(plan.columns.size(), places);
@@ -103,23 +106,27 @@ bool GetStrColByOrder(const TableList& list, const std::vector<TableColumn>& col
 void ReorderVariables(ZRTableProfile& profile, const TableList& list, const std::vector<TableColumn>& columns,
                       bool swap)
 {
+    std::vector<ZRBasicString> texts;
+    std::transform(profile.VarsBegin(), profile.VarsEnd(), std::back_inserter(texts),
+                   [](const Record* record) { return HeaderText(*record); });
     int unmatched = 0;
     const int count = static_cast<int>(profile.NVars());
     for (int order = 0; order <= count; ++order) {
         int column = 0;
         ZRBasicString text;
         const bool isThere = GetStrColByOrder(list, columns, order, column, text);
-        const auto fits = [&](const Record* record) { return isThere && HeaderText(*record) == text; };
-        const auto found = std::find_if(profile.VarsBegin(), profile.VarsEnd(), fits);
-        if (found == profile.VarsEnd()) {
+        const auto found = isThere ? std::find(texts.begin(), texts.end(), text) : texts.end();
+        if (found == texts.end()) {
             // So does the time column.
             ++unmatched;
             continue;
         }
-        (*found)->Index = order - unmatched;
-        (*found)->Width = list.ColumnWidth(column);
-        if (swap) {
-            profile.Swap(order - unmatched, static_cast<int>(std::distance(profile.VarsBegin(), found)));
+        const auto position = static_cast<int>(found - texts.begin());
+        Record& record = **std::next(profile.VarsBegin(), position);
+        record.Index = order - unmatched;
+        record.Width = list.ColumnWidth(column);
+        if (swap && profile.Swap(order - unmatched, position)) {
+            std::swap(texts[static_cast<std::size_t>(order - unmatched)], *found);
         }
     }
 }

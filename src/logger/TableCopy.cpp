@@ -149,6 +149,8 @@ public:
     [[nodiscard]] bool IsOpen() const { return m_isOpen; }
     // UTF-16 units of the whole rows.
     [[nodiscard]] std::size_t Characters() const { return m_characters; }
+    // Whole ones, without the titles.
+    [[nodiscard]] std::size_t Rows() const { return m_rows; }
 
     // A cell between what stands before and behind it, which is ASCII.
     template <std::size_t Before, std::size_t Behind>
@@ -178,6 +180,7 @@ public:
     void EndRow(const Char (&end)[Size])
     {
         EndTitles(end);
+        m_rows += m_isOpen ? 1 : 0;
         m_isOpen = m_isOpen && m_room.AfterRow(m_characters);
     }
 
@@ -205,6 +208,7 @@ private:
     CopyRoom m_room;
     std::size_t m_characters = 0;
     std::size_t m_rowCharacters = 0;  // of the row at hand
+    std::size_t m_rows = 0;
     std::size_t m_rowFirst = m_block.Size();
     std::size_t m_rowsFirst = m_block.Size();
     bool m_isOpen = true;
@@ -256,7 +260,7 @@ void AppendEscapedRow(const LoggedRecord& record, const TableCopySource& source,
 TableCopy::TableCopy(const TableCopySource& source, const CopyRoom::Grant& limit)
     : m_titles(source.titles), m_needsEscape(FormatsNeedEscape(localeInformationWide))
 {
-    if (!m_html.Reserve(kHeaderRoom)) {
+    if ((limit && !limit(CopyRoom::kStart)) || !m_html.Reserve(kHeaderRoom)) {
         return;
     }
     m_html.SetEnd(m_html.Data() + kHeaderRoom);
@@ -288,6 +292,7 @@ TableCopy::TableCopy(const TableCopySource& source, const CopyRoom::Grant& limit
     } else {
         m_plain = {};
     }
+    m_isWhole = html.Rows() == rows && plain.Rows() == rows && m_html.Size() > 0 && m_plain.Size() > 0;
 }
 
 void TableCopy::WrapHtml(std::size_t characters)

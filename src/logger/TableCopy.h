@@ -16,6 +16,10 @@ namespace zr::logger {
 // The name under which the first text is registered with the clipboard.
 inline constexpr const char* kHtmlFormatName = "HTML Format";
 
+// Messages where there is too little memory: for all rows, and for anything.
+inline constexpr unsigned kTextNotAllCopied = 32347;
+inline constexpr unsigned kTextNothingCopied = 32348;
+
 // What is copied. None of it is owned; all must outlive the copying alone.
 struct TableCopySource {
     const std::vector<ZRBasicString>& titles;  // of all columns in the order of the list, the time first
@@ -33,6 +37,11 @@ public:
     // (see CopyRoom), the rows of a text end where they are. UI thread.
     explicit TableCopy(const TableCopySource& source, const CopyRoom::Grant& limit = {});
 
+    // Whether all rows are in both texts.
+    [[nodiscard]] bool IsWhole() const { return m_isWhole; }
+    // There was no memory for anything.
+    [[nodiscard]] bool IsEmpty() const { return HtmlFormat().empty() && PlainText().empty(); }
+
     // UTF-8: a header with positions, then a page with the table between two comments. The bytes handed over are these
     // and the zero behind them. Empty without memory.
     //
@@ -40,7 +49,7 @@ public:
     // ASCII; the titles stand in it as they are, unescaped. A position has 8 digits, and more where it needs more.
     [[nodiscard]] std::string_view HtmlFormat() const;
     // UTF-16, columns by tabs, lines by CR LF; the line of titles ends in a tab, a cell without a value is a blank. A
-    // zero stands behind.
+    // zero stands behind. Empty without memory.
     [[nodiscard]] std::u16string_view PlainText() const;
 
     // For desktops that know media types, both UTF-8: text/html, a page of its own with all texts escaped and the
@@ -60,6 +69,7 @@ private:
     std::vector<ZRBasicString> m_titles;
     TextBlock<char> m_escapedRows;  // only where the user's formats hold what has to be escaped
     bool m_needsEscape = false;
+    bool m_isWhole = false;
 };
 
 // A text as it stands within an element of HTML: & < > and quotes escaped, UTF-8.

@@ -127,6 +127,28 @@ int TablePrint::FirstColumn(int band, int areaRight) const
     return firstColumn;
 }
 
+std::vector<std::size_t> TablePrint::LeftOut(int areaRight) const
+{
+    std::vector<bool> isPrinted(m_widths.size() - 1);
+    for (int band = 0; band < m_pagesAcross; ++band) {
+        int right = 4 * m_gap + m_widths[0];
+        for (auto i = static_cast<std::size_t>(FirstColumn(band, areaRight)); i < isPrinted.size(); ++i) {
+            right += m_gap + m_widths[i + 1];
+            if (right > areaRight) {
+                break;
+            }
+            isPrinted[i] = true;
+        }
+    }
+    std::vector<std::size_t> leftOut;
+    for (std::size_t i = 0; i < isPrinted.size(); ++i) {
+        if (!isPrinted[i]) {
+            leftOut.push_back(i);
+        }
+    }
+    return leftOut;
+}
+
 // Puts one page together, from its top.
 class TablePrint::Sheet {
 public:

@@ -15,6 +15,9 @@ namespace zr::logger {
 inline constexpr const wchar* kPrintFont = u"Arial";
 inline constexpr int kPrintFontTenths = 100;
 
+// Message: the columns that were not printed.
+inline constexpr unsigned kTextLeftOut = 32349;
+
 struct PrintExtent {
     int width = 0;
     int height = 0;
@@ -100,6 +103,9 @@ public:
     // gap before the first of them, while a row ends at the first column that passes the edge; one wider than the
     // sheet ends every row before it.
     [[nodiscard]] PrintedPage Page(int page, const PrintRect& area, const ZRBasicString& caption) const;
+
+    // The columns, zero-based and without the time, that no band has room for in a drawing area.
+    [[nodiscard]] std::vector<std::size_t> LeftOut(int areaRight) const;
 
     // As measured, device units.
     [[nodiscard]] const std::vector<int>& Widths() const { return m_widths; }  // the time, then each record's column

@@ -1,5 +1,6 @@
 #include "logger/ui/TableMimeData.h"
 
+#include <new>
 #include <QByteArray>
 
 namespace zr::ui {
@@ -15,7 +16,22 @@ QString HtmlFormat()
 
 QStringList TableMimeData::formats() const
 {
-    return {HtmlFormat(), QLatin1String(kWideTextFormat), QLatin1String(kHtmlMime), QLatin1String(kPlainMime)};
+    QStringList formats;
+    const bool hasHtml = !m_copy.HtmlFormat().empty();
+    const bool hasPlain = !m_copy.PlainText().empty();
+    if (hasHtml) {
+        formats << HtmlFormat();
+    }
+    if (hasPlain) {
+        formats << QLatin1String(kWideTextFormat);
+    }
+    if (hasHtml) {
+        formats << QLatin1String(kHtmlMime);
+    }
+    if (hasPlain) {
+        formats << QLatin1String(kPlainMime);
+    }
+    return formats;
 }
 
 bool TableMimeData::hasFormat(const QString& format) const
@@ -25,21 +41,30 @@ bool TableMimeData::hasFormat(const QString& format) const
 
 QVariant TableMimeData::retrieveData(const QString& format, QMetaType type) const
 {
+    if (!hasFormat(format)) {
+        return {};
+    }
+    try {
+        return Data(format, type);
+    } catch (const std::bad_alloc&) {
+        // Whoever asks gets nothing, as if the format weren't there; nobody above this call is prepared for it.
+        return {};
+    }
+}
+
+QVariant TableMimeData::Data(const QString& format, QMetaType type) const
+{
     if (format == HtmlFormat()) {
         const std::string_view text = m_copy.HtmlFormat();
         // With the zero behind it.
-        return text.empty() ? QVariant() : QVariant(QByteArray(text.data(), static_cast<qsizetype>(text.size()) + 1));
+        return QByteArray(text.data(), static_cast<qsizetype>(text.size()) + 1);
     }
     if (format == QLatin1String(kWideTextFormat)) {
         const std::u16string_view text = m_copy.PlainText();
         return QByteArray(reinterpret_cast<const char*>(text.data()),
                           static_cast<qsizetype>((text.size() + 1) * sizeof(char16_t)));
     }
-    const bool isHtml = format == QLatin1String(kHtmlMime);
-    if (!isHtml && format != QLatin1String(kPlainMime)) {
-        return {};
-    }
-    const std::string text = isHtml ? m_copy.TextHtml() : m_copy.TextPlain();
+    const std::string text = format == QLatin1String(kHtmlMime) ? m_copy.TextHtml() : m_copy.TextPlain();
     return type.id() == QMetaType::QString ? QVariant(QString::fromStdString(text))
                                            : QVariant(QByteArray::fromStdString(text));
 }

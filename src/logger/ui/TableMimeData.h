@@ -13,7 +13,8 @@ inline constexpr const char* kHtmlMime = "text/html";
 inline constexpr const char* kPlainMime = "text/plain";
 
 // In this order: "HTML Format", the wide plain text, and what other desktops read, which is made when it is asked for.
-// On Windows the first two are the clipboard's own: the named format and CF_UNICODETEXT. UI thread only.
+// What there was no memory for isn't among them. On Windows the first two are the clipboard's own: the named format and
+// CF_UNICODETEXT. UI thread only.
 class TableMimeData : public QMimeData {
 public:
     explicit TableMimeData(logger::TableCopy copy) : m_copy(std::move(copy)) {}
@@ -25,6 +26,8 @@ protected:
     [[nodiscard]] QVariant retrieveData(const QString& format, QMetaType type) const override;
 
 private:
+    [[nodiscard]] QVariant Data(const QString& format, QMetaType type) const;
+
     logger::TableCopy m_copy;
 };
 

@@ -1,6 +1,7 @@
 #include "logger/ui/ZRVirtualLoggerDataExplorer.h"
 
 #include "dialogs/ui/CGoToDateDlg.h"
+#include "logger/ui/ZRVirtualLoggerDataGraphicViewer.h"
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 #include "platform/ui/AfxMessageBox.h"
 #include "platform/ui/Images.h"
@@ -194,7 +195,9 @@ void ZRVirtualLoggerDataExplorer::Setup(const ZRLoggerInfo& info, int* selectedV
 
 void ZRVirtualLoggerDataExplorer::CreateViewer(int kind)
 {
-    if (kind == kTableViewer) {
+    if (kind == kGraphViewer) {
+        viewer = std::make_unique<ZRVirtualLoggerDataGraphicViewer>();
+    } else if (kind == kTableViewer) {
         viewer = std::make_unique<ZRVirtualLoggerDataTableViewer>();
     }
 }
@@ -211,9 +214,9 @@ void ZRVirtualLoggerDataExplorer::SetPeriod(int groupBy, const ZRDateTimeSpan& p
     window.samplePeriod = IsBadCombination(static_cast<unsigned>(groupBy), period.seconds) ? AutomaticPeriod() : period;
 }
 
-void ZRVirtualLoggerDataExplorer::SelectViewer(int kind)
+void ZRVirtualLoggerDataExplorer::SelectViewer(int kind, Reading reading)
 {
-    m_explorer.SelectViewer(kind);
+    m_explorer.SelectViewer(kind, reading);
     ShowNow();
 }
 
@@ -323,7 +326,8 @@ void ZRVirtualLoggerDataExplorer::DropMenu(unsigned command, const std::function
     auto* const menu = new CMenu(this, {});
     menu->setAttribute(Qt::WA_DeleteOnClose);
     fill(*menu);
-    menu->popup(m_toolBar.mapToGlobal(m_toolBar.GetButtonRect(command).bottomLeft()) + QPoint(0, 1));
+    const QRect button = m_toolBar.GetButtonRect(command);
+    menu->popup(m_toolBar.mapToGlobal(button.topLeft() + QPoint(0, button.height() + 1)));
 }
 
 void ZRVirtualLoggerDataExplorer::OnDropDown(int command)

@@ -39,7 +39,7 @@ public:
 
     // Each: see LoggerExplorer.
     virtual void Setup(const ZRLoggerInfo& info, int* selectedViewer);
-    // Makes a viewer of that kind in `viewer`: 2 is the table, others leave it null.
+    // Makes a viewer of that kind in `viewer`: 1 is the graph, 2 the table, others leave it null.
     virtual void CreateViewer(int kind);
     // Fills the toolbar. True.
     virtual bool InitializeToolBar();
@@ -54,7 +54,7 @@ public:
 
     // Unit and period for the first load; the automatic period where they don't go together. Before SelectViewer.
     void SetPeriod(int groupBy, const ZRDateTimeSpan& period);
-    void SelectViewer(int kind);
+    void SelectViewer(int kind, zr::logger::Reading reading = zr::logger::Reading::Anew);
     [[nodiscard]] int SelectedViewer() const { return m_explorer.SelectedViewer(); }
     void SetupData(const ZRDateTime& date, int groupBy, const ZRDateTimeSpan& period, bool force);
     // Reads the data of the window anew.

@@ -1,13 +1,15 @@
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 
 #include "logger/ui/TableMimeData.h"
+#include "platform/ui/AfxMessageBox.h"
 #include "platform/ui/CDC.h"
 #include "platform/ui/CDialog.h"
+#include "platform/ui/Clipboard.h"
 #include "platform/ui/UiText.h"
+#include "siblings/tools/FormatText.h"
+#include "siblings/tools/ZRLoadString.h"
 
 #include <algorithm>
-#include <QClipboard>
-#include <QGuiApplication>
 
 namespace {
 
@@ -52,6 +54,12 @@ unsigned FormatOf(PrintAlign align)
     return zr::ui::DT_LEFT;
 }
 
+void TellOfMemory(unsigned text)
+{
+    ZRBasicString message;
+    AfxMessageBox(ZRLoadString(text, message).Text(), zr::ui::MB_OK | zr::ui::MB_ICONEXCLAMATION);
+}
+
 }  // namespace
 
 ZRVirtualLoggerDataTableViewer::ZRVirtualLoggerDataTableViewer(zr::logger::LoggerTable::ProfileDialog dialog)
@@ -73,7 +81,6 @@ bool ZRVirtualLoggerDataTableViewer::Create(QWidget* parent, unsigned id)
     m_list = new CVirtualListCtrl(this, zr::ui::kTableList);
     // A style draws its frame thinner than the room for it where the screen is scaled, and nothing is behind it.
     m_list->setAutoFillBackground(true);
-    m_caption->setFont(m_list->font());
     setFocusProxy(m_list);
     OnSize(width(), height());
     return true;
@@ -131,6 +138,10 @@ void ZRVirtualLoggerDataTableViewer::OnSize(int width, int height)
     if (m_list == nullptr) {
         return;
     }
+    // Of every property, since one that the list has from its style alone would count for nothing.
+    QFont font;
+    font.fromString(m_list->font().toString());
+    m_caption->setFont(font);
     const int line = m_caption->fontMetrics().height();
     m_caption->setGeometry(0, 0, width, line);
     m_list->setGeometry(0, line, width, std::max(height - line, 0));
@@ -195,8 +206,19 @@ std::vector<zr::logger::RowRange> ZRVirtualLoggerDataTableViewer::SelectedRows()
 
 void ZRVirtualLoggerDataTableViewer::ClipboardCopy()
 {
-    if (QClipboard* const clipboard = QGuiApplication::clipboard(); clipboard != nullptr) {
-        clipboard->setMimeData(new zr::ui::TableMimeData(m_table.ClipboardCopy()));
+    // Meant: without a clipboard nothing happens, with no message.
+    if (!zr::ui::OpenClipboard()) {
+        return;
+    }
+    zr::logger::TableCopy copy = m_table.ClipboardCopy(m_copyLimit);
+    if (copy.IsEmpty()) {
+        TellOfMemory(zr::logger::kTextNothingCopied);
+        return;
+    }
+    const bool isWhole = copy.IsWhole();
+    zr::ui::SetClipboardData(std::make_unique<zr::ui::TableMimeData>(std::move(copy)));
+    if (!isWhole) {
+        TellOfMemory(zr::logger::kTextNotAllCopied);
     }
 }
 
@@ -216,9 +238,25 @@ void ZRVirtualLoggerDataTableViewer::OnBeginPrinting(CDC* dc, CPrintInfo* info)
     info->SetMaxPage(static_cast<unsigned>(std::max(print.MaxPage(), 0)));
 }
 
-void ZRVirtualLoggerDataTableViewer::OnEndPrinting(CDC*, CPrintInfo*)
+// A column that passes the edge by less than the gap before it, or is wider than the sheet, stands on no page.
+void ZRVirtualLoggerDataTableViewer::OnEndPrinting(CDC*, CPrintInfo* info)
 {
+    const bool isPrinted = !info->m_bPreview && !info->m_bContinuePrinting;
+    const ZRBasicString leftOut =
+        isPrinted ? m_table.LeftOutOfPrint(info->m_rectDraw.left() + info->m_rectDraw.width()) : ZRBasicString();
     m_table.OnEndPrinting();
+    if (leftOut.IsEmpty()) {
+        return;
+    }
+    // Once the printer has done its work.
+    QMetaObject::invokeMethod(
+        this,
+        [leftOut] {
+            ZRBasicString text;
+            AfxMessageBox(zr::FormatText(ZRLoadString(zr::logger::kTextLeftOut, text).Text(), {leftOut}).Text(),
+                          zr::ui::MB_OK | zr::ui::MB_ICONINFORMATION);
+        },
+        Qt::QueuedConnection);
 }
 
 void ZRVirtualLoggerDataTableViewer::Print(CDC* dc, CPrintInfo* info)

@@ -30,8 +30,10 @@ public:
     void OnBeginPrinting(CDC* dc, CPrintInfo* info) override;
     void OnEndPrinting(CDC* dc, CPrintInfo* info) override;
     void Print(CDC* dc, CPrintInfo* info) override;
-    // Selected rows, or all. Nothing where the desktop has no clipboard.
+    // Selected rows, or all. Nothing where the clipboard can't be opened; the user is told where the memory doesn't do.
     void ClipboardCopy() override;
+    // How much memory a copy may take; as much as there is unless it is told.
+    void LimitCopy(zr::logger::CopyRoom::Grant limit) { m_copyLimit = std::move(limit); }
     bool OnConfig() override;
     void GetLoggerInfo(ZRLoggerInfo& info) override;
     void SetInvalidData(bool invalid) override;
@@ -67,5 +69,6 @@ private:
     zr::logger::LoggerTable::ProfileDialog m_dialog;
     CVirtualListCtrl* m_list = nullptr;  // Owned by Qt, as is the caption.
     CStatic* m_caption = nullptr;
+    zr::logger::CopyRoom::Grant m_copyLimit;
     int m_groupBy = 0;
 };

@@ -8,6 +8,15 @@
 #include <QPrintDialog>
 #include <QPrinter>
 
+namespace {
+
+int ColorOf(const QPrinter& printer)
+{
+    return printer.colorMode() == QPrinter::Color ? zr::ui::DMCOLOR_COLOR : zr::ui::DMCOLOR_MONOCHROME;
+}
+
+}  // namespace
+
 int CDC::GetDeviceCaps(int index) const
 {
     switch (index) {
@@ -17,9 +26,16 @@ int CDC::GetDeviceCaps(int index) const
             return m_device.height();
         case zr::ui::VERTSIZE:
             return m_device.heightMM();
+        case zr::ui::LOGPIXELSX:
+            return m_device.logicalDpiX();
         default:
             return 0;
     }
+}
+
+int CDC::Color() const
+{
+    return ColorOf(m_device);
 }
 
 void CDC::SelectObject(const CFont& font)
@@ -58,4 +74,9 @@ int CPrintDialog::DoModal()
     QPrintDialog dialog(&m_printer, m_parent);
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, (m_flags & zr::ui::PD_PRINTSETUP) == 0);
     return static_cast<int>(dialog.exec() == QDialog::Accepted ? zr::ui::IDOK : zr::ui::IDCANCEL);
+}
+
+int CPrintDialog::Color() const
+{
+    return ColorOf(m_printer);
 }

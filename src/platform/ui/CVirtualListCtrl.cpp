@@ -30,17 +30,51 @@ public:
     QSize sizeHint() const override
     {
         const int line = fontMetrics().lineSpacing();
+        m_known.resize(static_cast<std::size_t>(count()));
         int lines = 1;
         for (int i = 0; i < count(); ++i) {
-            const QString title = model()->headerData(i, Qt::Horizontal).toString();
-            const QRect room(0, 0, std::max(sectionSize(i) - 2 * kMargin, 1), 1);
-            lines = std::max(lines, fontMetrics().boundingRect(room, Qt::TextWordWrap, title).height() / line);
+            lines = std::max(lines, LinesOf(i));
         }
         return {QHeaderView::sizeHint().width(), std::min(lines, kTitleLines) * line + 2 * kMargin};
     }
 
+    void reset() override
+    {
+        m_known.clear();
+        QHeaderView::reset();
+    }
+
+protected:
+    void changeEvent(QEvent* event) override
+    {
+        m_known.clear();
+        QHeaderView::changeEvent(event);
+    }
+
 private:
     static constexpr int kMargin = 4;
+
+    // A title at a width.
+    struct Known {
+        int width = -1;
+        int lines = 0;
+    };
+
+    // Measured once a width: every column that comes or is widened asks for all of them.
+    int LinesOf(int section) const
+    {
+        Known& known = m_known[static_cast<std::size_t>(section)];
+        if (known.width != sectionSize(section)) {
+            const QString title = model()->headerData(section, Qt::Horizontal).toString();
+            const QRect room(0, 0, std::max(sectionSize(section) - 2 * kMargin, 1), 1);
+            known.width = sectionSize(section);
+            known.lines =
+                fontMetrics().boundingRect(room, Qt::TextWordWrap, title).height() / fontMetrics().lineSpacing();
+        }
+        return known.lines;
+    }
+
+    mutable std::vector<Known> m_known;
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 namespace {
 
@@ -333,7 +334,12 @@ ZRLoggerData::CRecordGroup& ZRLoggerData::RecordGroup(const ZRDateTimeSpan& peri
         zr::RecordArena arena;
         m_reading = {m_isStoreMissing ? kNoStore : "", {}};
         if (m_reader != nullptr) {
-            arena = period.seconds > 0 ? BuildGrouped(period.seconds, progress) : BuildRecorded(progress);
+            try {
+                arena = period.seconds > 0 ? BuildGrouped(period.seconds, progress) : BuildRecorded(progress);
+            } catch (const std::bad_alloc&) {
+                // On the thread of a loader nobody else would catch it.
+                m_reading.failure = "not enough memory for so many records";
+            }
         }
         group.reset(new CRecordGroup(std::move(arena), period, m_zone, m_reading));
     }

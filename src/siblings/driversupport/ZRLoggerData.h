@@ -91,8 +91,8 @@ public:
     // PeriodCuts and SampleGrouper); periods without a value of any variable have none. Read on the first call, later
     // ones give the same group with its selection. Progress may be null.
     CRecordGroup& RecordGroup(const ZRDateTimeSpan& period, zr::Progress* progress);
-    // Why the group that was asked for last is empty, as the store failed or there is none; empty when it didn't fail.
-    // English.
+    // Why the group that was asked for last is empty, as the store failed, there is none, or its
+    // records are too many for the memory; empty when it didn't fail. English.
     [[nodiscard]] const std::string& Failure() const { return m_reading.failure; }
     // What was damaged in the store, and so left out of the group that was asked for last: one line each, naming file
     // or node.

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <limits>
 
 namespace zr::graph {
 
@@ -74,6 +74,7 @@ std::int64_t CurveCourse::Usual()
 std::int64_t CurveCourse::UsualFrom(std::size_t sample, bool isForwards)
 {
     std::array<std::int64_t, 3> distances{};
+    distances.fill(std::numeric_limits<std::int64_t>::max());
     std::size_t count = 0;
     while (sample != kNone && count < distances.size()) {
         const std::size_t next = isForwards ? m_reader.From(sample + 1) : m_reader.Before(sample);
@@ -84,7 +85,7 @@ std::int64_t CurveCourse::UsualFrom(std::size_t sample, bool isForwards)
         }
         sample = next;
     }
-    std::sort(distances.begin(), distances.begin() + count);
+    std::sort(distances.begin(), distances.end());
     return count == 0 ? 0 : distances[count == 3 ? 1 : 0];
 }
 

@@ -36,6 +36,7 @@ void CurvePoints::Collect(const ColumnEdges& edges)
 CurvePoints::Samples CurvePoints::SamplesOf(std::size_t begin, std::size_t end, std::size_t most)
 {
     Samples samples;
+    samples.records.fill(kNone);
     std::size_t sample = m_reader.From(begin);
     for (; sample < end && samples.count < most; sample = m_reader.From(sample + 1)) {
         samples.records[samples.count++] = sample;
@@ -74,7 +75,7 @@ void CurvePoints::End(std::int64_t to)
 void CurvePoints::AddToLine(const Samples& samples)
 {
     std::array<std::size_t, 4> records = samples.records;
-    std::sort(records.begin(), records.begin() + samples.count);
+    std::sort(records.begin(), records.end());
     for (std::size_t i = 0; i < samples.count; ++i) {
         if (i > 0 && records[i] == records[i - 1]) {
             continue;

@@ -24,7 +24,7 @@ public:
     void Collect(const ColumnEdges& edges);
 
 private:
-    // In order; samples are numbers of records.
+    // Numbers of records; kNone beyond the count.
     struct Samples {
         std::array<std::size_t, 4> records{};
         std::size_t count = 0;

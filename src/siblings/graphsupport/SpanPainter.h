@@ -15,7 +15,8 @@ struct PixelArea {
     std::ptrdiff_t stride = 0;  // pixels from a row to the next
 };
 
-// What a curve covers of one column of pixels: rows from the top, fractions included. Empty when top > bottom.
+// What a curve covers of one column of pixels: rows from the top, fractions included, where 0 is the upper edge of the
+// first row of pixels. Empty unless top <= bottom.
 struct RowSpan {
     float top = 1.0F;
     float bottom = 0.0F;
@@ -27,10 +28,13 @@ struct SpanPen {
     std::uint32_t colour = 0;  // as a pixel, not multiplied
 };
 
-// Blends one span a column, each as wide as the pen beyond its ends and to both sides, with soft edges where it ends
-// within a pixel. Spans may lie outside; there is one for every column of the picture.
+// Blends the stroke of a pen that is drawn along a curve: a disc as wide as the pen at every point of it, so that
+// slopes are as wide as level parts; each pixel by how much of it is covered. A curve goes on from a column to the next
+// where their spans touch, otherwise it ends. A piece of a single column is at least two pixels wide and high.
+//
+// There is one span for every column of the area, further ones are ignored. They may lie outside, at infinity too.
 void PaintLine(const PixelArea& area, std::span<const RowSpan> spans, const SpanPen& pen);
-// The same without a pen: filled areas, as of bars.
+// The spans themselves, without a pen: filled areas, as of bars.
 void PaintFill(const PixelArea& area, std::span<const RowSpan> spans, std::uint32_t colour);
 
 }  // namespace zr::graph

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "logger/ui/ZRVirtualLoggerDataExplorer.h"
+#include "logger/ui/ZRVirtualLoggerDataGraphicViewer.h"
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 #include "platform/ui/AfxMessageBox.h"
+#include "platform/ui/Clipboard.h"
 #include "platform/ui/Images.h"
 #include "siblings/tools/ui/CDlgProgress.h"
 #include "support/ManualClock.h"
@@ -33,12 +35,23 @@ public:
             viewer = std::make_unique<ZRVirtualLoggerDataTableViewer>(profileDialog);
             return;
         }
+        if (kind == kGraphViewer && graphDialog) {
+            viewer = std::make_unique<ZRVirtualLoggerDataGraphicViewer>(graphDialog);
+            return;
+        }
         ZRVirtualLoggerDataExplorer::CreateViewer(kind);
     }
     void OnShown() override { ++shown; }
+    bool OnNotify(const ui::NMHDR& notice) override
+    {
+        graphShown += notice.idFrom == ui::kGraphId && notice.code == ui::GRN_SHOWN ? 1 : 0;
+        return ZRVirtualLoggerDataExplorer::OnNotify(notice);
+    }
 
     LoggerTable::ProfileDialog profileDialog;
+    LoggerGraph::ProfileDialog graphDialog;
     int shown = 0;
+    int graphShown = 0;
 };
 
 class ExplorerFixture : public LoggedFixture {
@@ -56,6 +69,7 @@ protected:
     ~ExplorerFixture() override
     {
         ui::SetModalHook(nullptr);
+        ui::SetClipboardHook(nullptr);
         ui::SetMessageBoxHook(nullptr);
         QApplication::closeAllWindows();
     }

@@ -106,6 +106,72 @@ TEST_F(TableMimeDataTest, CopiesByTheExplorersCommand)
     EXPECT_TRUE(Copied().hasFormat(ui::HtmlFormat()));
 }
 
+// Another program holds the clipboard open.
+TEST_F(TableMimeDataTest, LeavesAClipboardThatCannotBeOpenedAsItIs)
+{
+    RecordVoltages(kDay, {2301});
+    OpenWeek();
+    QApplication::clipboard()->setText("of another program");
+    int asked = 0;
+    ui::SetClipboardHook([&] {
+        ++asked;
+        return false;
+    });
+    window.OnEditCopy();
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(QApplication::clipboard()->text(), "of another program");
+    // Meant: with no message.
+    EXPECT_TRUE(messages.empty());
+    EXPECT_EQ(Cell(0, 1), "230.1");
+    ui::SetClipboardHook(nullptr);
+    window.OnEditCopy();
+    EXPECT_TRUE(Copied().text().contains("230.1"));
+}
+
+TEST_F(TableMimeDataTest, TellsThatTheMemoryWasEnoughForTheFirstRowsOnly)
+{
+    const int series = store.OpenSeries(u"M.U", 1);
+    std::vector<LoggerAppend> batch;
+    for (int i = 0; i < 40000; ++i) {
+        batch.push_back({series, (946684800 + std::int64_t{kDay.seconds} + i) * 1000000, 2300.0});
+    }
+    ASSERT_TRUE(store.Append(batch));
+    OpenWeek();
+    Viewer().LimitCopy([](std::size_t bytes) { return bytes <= CopyRoom::kStart; });
+    window.OnEditCopy();
+    EXPECT_EQ(messages, std::vector<std::string>{
+                            "There is not enough memory to copy all rows. The clipboard holds the first of them."});
+    EXPECT_TRUE(Copied().data(ui::HtmlFormat()).endsWith(QByteArray("</html>\0", 8)));
+    EXPECT_LT(Copied().data("text/html").size(), 0x100000);
+    EXPECT_EQ(List().GetItemCount(), 40000);
+    Viewer().LimitCopy({});
+    window.OnEditCopy();
+    EXPECT_EQ(messages.size(), 1U);
+    EXPECT_EQ(Copied().text().count("\r\n"), 40001);
+}
+
+TEST_F(TableMimeDataTest, LeavesTheClipboardWithoutMemoryForAnything)
+{
+    RecordVoltages(kDay, {2301});
+    OpenWeek();
+    QApplication::clipboard()->setText("before");
+    Viewer().LimitCopy([](std::size_t) { return false; });
+    window.OnEditCopy();
+    EXPECT_EQ(messages,
+              std::vector<std::string>{"There is not enough memory to copy the table. The clipboard is as it was."});
+    EXPECT_EQ(QApplication::clipboard()->text(), "before");
+}
+
+TEST_F(TableMimeDataTest, OffersOnlyTheFormsThatThereAre)
+{
+    const std::vector<ZRBasicString> titles = {u"Date and time"};
+    const ui::TableMimeData nothing(
+        TableCopy({titles, {}, nullptr, kGroupByDay, {}}, [](std::size_t) { return false; }));
+    EXPECT_TRUE(nothing.formats().isEmpty());
+    EXPECT_FALSE(nothing.hasFormat("text/html"));
+    EXPECT_TRUE(nothing.data("text/html").isEmpty());
+}
+
 // The texts are all there is: the records may go.
 TEST_F(TableMimeDataTest, OutlivesTheWindow)
 {

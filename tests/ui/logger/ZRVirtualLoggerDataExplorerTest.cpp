@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <atomic>
 #include <future>
+#include <new>
 #include <QActionGroup>
 #include <QPrinter>
 #include <QSignalSpy>
@@ -179,16 +180,19 @@ TEST_F(ZRVirtualLoggerDataExplorerTest, GoesToAPickedDate)
 {
     Open();
     QPoint corner;
+    QDate offered;
     ui::SetModalHook([&](QDialog& dialog) {
         auto* const goTo = dynamic_cast<CGoToDateDlg*>(&dialog);
         if (goTo == nullptr) {
             return;
         }
         corner = goTo->geometry().bottomLeft();
+        offered = goTo->DlgItem<CMonthCalCtrl>(dialogs::kGoToDateCalendar).selectedDate();
         goTo->DlgItem<CMonthCalCtrl>(dialogs::kGoToDateCalendar).setSelectedDate(QDate(2002, 12, 25));
         QTest::mouseClick(goTo->GetDlgItem(ui::IDOK), Qt::LeftButton);
     });
     ClickButton(kCommandGoTo);
+    EXPECT_EQ(offered, QDate(2003, 1, 13));
     EXPECT_EQ(window.Window().dateFrom, Date(23, 12, 2002));
     EXPECT_EQ(window.Window().dateTo, Date(30, 12, 2002));
     const QWidget* const button = ui::FindControl(window, kCommandGoTo);
@@ -219,6 +223,31 @@ TEST_F(ZRVirtualLoggerDataExplorerTest, ChangesTheUnitByItsMenu)
     Choose(kCommandGroupBy, static_cast<unsigned>(kGroupByMonth));
     EXPECT_EQ(window.Window().groupBy, kGroupByMonth);
     EXPECT_EQ(Viewer().Caption(), "January 2003");
+}
+
+TEST_F(ZRVirtualLoggerDataExplorerTest, DropsAMenuOnePixelBelowItsButton)
+{
+    Open();
+    window.resize(700, 120);
+    window.move(40, 20);
+    QApplication::processEvents();
+    const QWidget* const button = ui::FindControl(window, kCommandGroupBy);
+    ClickButton(kCommandGroupBy);
+    CMenu* const menu = OpenMenu();
+    ASSERT_NE(menu, nullptr);
+    EXPECT_EQ(menu->pos(), button->mapToGlobal(QPoint(0, button->height() + 1)));
+    menu->close();
+}
+
+TEST_F(ZRVirtualLoggerDataExplorerTest, HidesANewViewerUntilItHasData)
+{
+    Open();
+    window.SelectViewer(kNoViewer);
+    bool wasVisible = true;
+    ui::SetModalHook([&](QDialog&) { wasVisible = window.Viewer()->isVisible(); });
+    window.SelectViewer(kTableViewer);
+    EXPECT_FALSE(wasVisible);
+    EXPECT_TRUE(window.Viewer()->isVisible());
 }
 
 TEST_F(ZRVirtualLoggerDataExplorerTest, ChangesThePeriodByItsMenu)
@@ -388,11 +417,16 @@ TEST_F(ZRVirtualLoggerDataExplorerTest, LoadsUnderADialogThatStaysAlive)
     ui::SetModalHook([&](QDialog& dialog) {
         wasVisible = dialog.isVisible();
         auto& progress = dynamic_cast<CDlgProgress&>(dialog);
-        QObject::connect(&progress, &QWidget::windowTitleChanged, &progress, [&](const QString& shown) {
-            title = shown;
-            hadRows = List().GetItemCount() > 0;
-            release.set_value();
+        auto* const look = new QTimer(&progress);
+        QObject::connect(look, &QTimer::timeout, &progress, [&, look] {
+            if (progress.m_text.text() == "...") {
+                look->stop();
+                title = progress.windowTitle();
+                hadRows = List().GetItemCount() > 0;
+                release.set_value();
+            }
         });
+        look->start(0);
     });
     window.Create(nullptr);
     window.Setup(Info({u"M.U"}), &selected);
@@ -469,6 +503,19 @@ TEST_F(ZRVirtualLoggerDataExplorerTest, ShowsAnEmptyTableWhenTheStoreFailsInTheM
     EXPECT_EQ(List().GetItemCount(), 6);
 }
 
+TEST_F(ZRVirtualLoggerDataExplorerTest, ShowsAnEmptyTableWhenTheRecordsAreTooManyForTheMemory)
+{
+    Record(u"M.U", Date(14, 1, 2003), 2300);
+    gate.gate = []() -> bool { throw std::bad_alloc(); };
+    Open();
+    EXPECT_EQ(List().GetItemCount(), 0);
+    EXPECT_FALSE(window.Data()->Failure().empty());
+    gate.gate = nullptr;
+    window.OnPeriodMenuItem(31821);
+    EXPECT_EQ(List().GetItemCount(), 1);
+    EXPECT_TRUE(window.Data()->Failure().empty());
+}
+
 TEST_F(ZRVirtualLoggerDataExplorerTest, ShowsTheOthersWhenAVariableHasVanished)
 {
     RecordVoltages(kDay, {2300});
@@ -507,6 +554,7 @@ TEST_F(ZRVirtualLoggerDataExplorerTest, MarksTheEntryInForceAsOneOutOfSeveral)
             marked += entry->isChecked() ? 1 : 0;
         }
         EXPECT_EQ(marked, 1);
+        EXPECT_TRUE(test::KeepPicture(menu->grab().toImage(), "explorer-menu.png"));
         menu->close();
     }
 }

@@ -1,8 +1,10 @@
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 
 #include "logger/SuiteKey.h"
+#include "platform/ui/CDC.h"
 #include "ui/logger/ExplorerFixture.h"
 
+#include <QPainter>
 #include <QPrinter>
 #include <QScrollBar>
 #include <QTimer>
@@ -171,6 +173,66 @@ TEST_F(ZRVirtualLoggerDataTableViewerTest, AsksForASetupAndADeviceContextToPrint
     });
     EXPECT_EQ(Viewer().OnPreparePrinting(&info), 0);
     EXPECT_EQ(dialog.m_flags, 0x140U);
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, ContinuesPrintingUntilTheLastPage)
+{
+    RecordVoltages(kDay, std::vector<double>(200, 2300));
+    OpenWeek();
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFileName(QString::fromStdString((folder / "pages.pdf").string()));
+    QPainter painter(&printer);
+    CDC dc(painter, printer);
+    CPrintDialog dialog(printer, nullptr);
+    CPrintInfo info(dialog);
+    info.m_rectDraw = QRect(0, 0, dc.GetDeviceCaps(ui::HORZRES), dc.GetDeviceCaps(ui::VERTRES));
+    Viewer().OnBeginPrinting(&dc, &info);
+    ASSERT_GT(info.GetMaxPage(), 1U);
+    info.m_bContinuePrinting = false;
+    Viewer().Print(&dc, &info);
+    EXPECT_TRUE(info.m_bContinuePrinting);
+    info.m_nCurPage = info.GetMaxPage();
+    Viewer().Print(&dc, &info);
+    EXPECT_FALSE(info.m_bContinuePrinting);
+    Viewer().OnEndPrinting(&dc, &info);
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, WritesItsCaptionInTheFontOfTheList)
+{
+    QFont large = QApplication::font();
+    large.setPixelSize(31);
+    QApplication::setFont(large, "QTableView");
+    Open();
+    EXPECT_EQ(ui::FindControl(Viewer(), ui::kTableCaption)->font().pixelSize(), 31);
+    QApplication::setFont(QApplication::font(), "QTableView");
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, LetsTheUserDragColumns)
+{
+    Open();
+    QHeaderView& header = *List().horizontalHeader();
+    const auto middle = [&](int column) {
+        return QPoint(header.sectionViewportPosition(column) + header.sectionSize(column) / 2, header.height() / 2);
+    };
+    const QPoint from = middle(3);
+    const QPoint to = middle(1) - QPoint(header.sectionSize(1) / 4, 0);
+    QTest::mousePress(header.viewport(), Qt::LeftButton, Qt::NoModifier, from);
+    QTest::mouseMove(header.viewport(), (from + to) / 2);
+    QTest::mouseMove(header.viewport(), to);
+    QTest::mouseRelease(header.viewport(), Qt::LeftButton, Qt::NoModifier, to);
+    EXPECT_EQ(List().GetColumnOrder(3), 1);
+    EXPECT_EQ(List().GetColumnOrder(1), 2);
+}
+
+TEST_F(ZRVirtualLoggerDataTableViewerTest, NeitherSortsNorSelectsByItsTitles)
+{
+    RecordVoltages(kDay, {2302, 2301});
+    OpenWeek();
+    QHeaderView& header = *List().horizontalHeader();
+    QTest::mouseClick(header.viewport(), Qt::LeftButton, Qt::NoModifier,
+                      QPoint(header.sectionViewportPosition(1) + 20, header.height() / 2));
+    EXPECT_TRUE(List().GetSelectedRanges().empty());
+    EXPECT_EQ(Cell(0, 1), "230.2");
 }
 
 TEST_F(ZRVirtualLoggerDataTableViewerTest, HoldsWidthsOfTheSettingsWithinLimits)

@@ -6,6 +6,7 @@
 #include "unit/logger/LoggedFixture.h"
 #include "unit/logger/MemoryTableList.h"
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -208,6 +209,68 @@ TEST_F(LoggerExplorerTest, AChangeOfViewerKeepsTheSettings)
     explorer.SelectViewer(kNoViewer);
     explorer.SelectViewer(kTableViewer);
     EXPECT_EQ(viewer->list.columns[1].width, 33);
+}
+
+TEST_F(LoggerExplorerTest, AViewerThatAsksForItGetsTheRecordsAtHandWithoutReading)
+{
+    Record(u"M.U", Date(17, 12, 2002, 8), 10);
+    Start();
+    explorer.OnCommand(31821);
+    explorer.SelectViewer(kNoViewer);
+    Record(u"M.U", Date(17, 12, 2002, 9), 20);
+    calls.clear();
+    explorer.SelectViewer(kTableViewer, Reading::WhereNeeded);
+    EXPECT_EQ(calls, (Calls{"Create 2", "Setup", "Invalid", "Update", "Valid", "Show"}));
+    EXPECT_EQ(viewer->list.count, 1);
+    EXPECT_EQ(viewer->shownPeriod, kEveryRecord);
+    // One that doesn't ask has them read.
+    explorer.SelectViewer(kNoViewer);
+    explorer.SelectViewer(kTableViewer);
+    EXPECT_EQ(viewer->list.count, 2);
+}
+
+TEST_F(LoggerExplorerTest, TheRecordsAtHandServeAnAutomaticPeriodToo)
+{
+    Start();
+    explorer.OnCommand(31820);
+    explorer.SelectViewer(kNoViewer);
+    calls.clear();
+    explorer.SelectViewer(kTableViewer, Reading::WhereNeeded);
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "Load"), 0);
+    EXPECT_EQ(viewer->shownPeriod, ZRDateTimeSpan(1800, 0));
+    EXPECT_TRUE(IsAutomatic(explorer.Window().samplePeriod));
+}
+
+TEST_F(LoggerExplorerTest, TheRecordsAtHandDoNotServeAnotherPeriodOrOtherVariables)
+{
+    const auto loads = [this] {
+        explorer.SelectViewer(kNoViewer);
+        calls.clear();
+        explorer.SelectViewer(kTableViewer, Reading::WhereNeeded);
+        return std::count(calls.begin(), calls.end(), "Load");
+    };
+    Start();
+    EXPECT_EQ(loads(), 0);
+    explorer.Window().samplePeriod = {3600, 0};
+    EXPECT_EQ(loads(), 1);
+    EXPECT_EQ(viewer->shownPeriod, ZRDateTimeSpan(3600, 0));
+    explorer.Window().dateFrom = Date(1, 12, 2002);
+    EXPECT_EQ(loads(), 1);
+    explorer.Setup(Info({u"M.PF"}), nullptr);
+    EXPECT_EQ(loads(), 1);
+    EXPECT_EQ(loads(), 0);
+}
+
+TEST_F(LoggerExplorerTest, RecordsOfALoadThatWasStoppedServeNobodyElse)
+{
+    Start();
+    progress.isCancelled = true;
+    explorer.OnCommand(kGroupByMonth);
+    progress.isCancelled = false;
+    explorer.SelectViewer(kNoViewer);
+    calls.clear();
+    explorer.SelectViewer(kTableViewer, Reading::WhereNeeded);
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "Load"), 1);
 }
 
 TEST_F(LoggerExplorerTest, AnAutomaticPeriodStaysAutomaticAndTheViewerSeesARealOne)

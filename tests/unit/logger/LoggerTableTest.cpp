@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <limits>
+#include <map>
 #include <random>
 
 namespace zr::logger {
@@ -203,6 +205,26 @@ TEST_F(LoggerTableTest, OnDestroyStoresTheWidthOfEveryColumn)
     EXPECT_EQ(StoredWidth(u"Column3"), 33U);
     EXPECT_EQ(StoredWidth(u"Column4"), 100U);
     EXPECT_EQ(StoredWidth(u"Column5"), 4711U);
+}
+
+TEST_F(LoggerTableTest, OnDestroyWritesNoWidthThatStandsAlready)
+{
+    Show();
+    table.OnDestroy();
+    std::map<std::filesystem::path, std::filesystem::file_time_type> before;
+    const auto look = [&](const auto& visit) {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.Path())) {
+            if (entry.is_regular_file()) {
+                visit(entry.path(), entry.last_write_time());
+            }
+        }
+    };
+    look([&](const auto& path, auto time) { before[path] = time; });
+    table.OnDestroy();
+    look([&](const auto& path, auto time) { EXPECT_EQ(before.at(path), time) << path; });
+    list.columns[0].width = 41;
+    table.OnDestroy();
+    EXPECT_EQ(StoredWidth(u"Column1"), 41U);
 }
 
 TEST_F(LoggerTableTest, OnDestroyKeepsTheVariablesInTheirOrderAndThePlacesBeside)

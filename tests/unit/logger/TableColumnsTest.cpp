@@ -102,6 +102,15 @@ TEST_F(TableColumnsTest, AHoleInTheOrderLeavesAColumnAtItsPlace)
     EXPECT_EQ(PlanColumns(profile, Info({u"A", u"B", u"C"}), u"T", 1).displayOrder, (std::vector{0, 1, 3, 2}));
 }
 
+TEST_F(TableColumnsTest, PlacesBeyondAllBoundsAreNone)
+{
+    constexpr int kMost = std::numeric_limits<int>::max();
+    constexpr int kLeast = std::numeric_limits<int>::min();
+    SetIndices({kMost, 1, kLeast, -1});
+    EXPECT_EQ(PlanColumns(profile, Info({u"A", u"B", u"C", u"D"}), u"T", kMost).displayOrder,
+              (std::vector{0, 1, 2, 3, 4}));
+}
+
 TEST_F(TableColumnsTest, ARecordWithoutAVariableHasNoColumn)
 {
     SetIndices({0, 1, 2});

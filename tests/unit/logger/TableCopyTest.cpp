@@ -241,8 +241,10 @@ TEST_F(TableCopyTest, TextsOfSeveralRoomsAreWhole)
     });
     EXPECT_TRUE(copy.HtmlFormat() == Page(rows));
     EXPECT_TRUE(copy.PlainText() == plain);
-    // HTML passes four rooms, the plain text one.
-    EXPECT_EQ(asked.size(), 5U);
+    // Both begin with one; HTML passes four more, the plain text one.
+    EXPECT_EQ(asked.size(), 6U);
+    EXPECT_EQ(asked.front(), CopyRoom::kStart);
+    EXPECT_TRUE(copy.IsWhole());
 }
 
 TEST_F(TableCopyTest, RowsStopWhereTheMemoryEndsAndWhatIsWrittenStands)
@@ -261,6 +263,29 @@ TEST_F(TableCopyTest, RowsStopWhereTheMemoryEndsAndWhatIsWrittenStands)
     const std::size_t plainRows = (0xFE000 - 9) / plainRow + 1;
     EXPECT_EQ(copy.PlainText().size(), 9 + plainRows * plainRow);
     EXPECT_TRUE(copy.PlainText().ends_with(u"\r\n"));
+    EXPECT_FALSE(copy.IsWhole());
+    EXPECT_FALSE(copy.IsEmpty());
+}
+
+TEST_F(TableCopyTest, ThereIsNothingWithoutMemoryForTheFirstRoom)
+{
+    RecordRows(2);
+    const TableCopy copy = Copy({}, [](std::size_t) { return false; });
+    EXPECT_TRUE(copy.IsEmpty());
+    EXPECT_FALSE(copy.IsWhole());
+    EXPECT_EQ(copy.TextPlain(), "");
+}
+
+TEST_F(TableCopyTest, IsWholeWhereTheMemoryEndsBehindTheLastRow)
+{
+    // The plain text ends in its first room; the last row of HTML is the one that asks for a second.
+    const std::size_t titleRow = std::string("<TR><TD><B>Time</B></TD><TD><B>U</B></TD></TR>\r\n").size();
+    const std::size_t row = std::string("<TR><TD>00:00:00</TD><TD>1,000.0</TD></TR>\r\n").size();
+    const std::size_t rows = (0xFE000 - titleRow) / row + 1;
+    RecordSeconds(static_cast<int>(rows));
+    const TableCopy copy = Copy({}, [](std::size_t bytes) { return bytes <= CopyRoom::kStart; });
+    EXPECT_EQ(copy.HtmlFormat().size(), 247 + titleRow + rows * row);
+    EXPECT_TRUE(copy.IsWhole());
 }
 
 TEST_F(TableCopyTest, ARowLongerThanTheMarginFits)

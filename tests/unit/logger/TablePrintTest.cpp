@@ -2,7 +2,9 @@
 
 #include "unit/logger/LoggedFixture.h"
 
+#include <algorithm>
 #include <limits>
+#include <set>
 
 namespace zr::logger {
 namespace {
@@ -351,6 +353,34 @@ TEST_F(TablePrintTest, AColumnWiderThanThePageIsNeverPrintedAndEndsTheRowOnEvery
     EXPECT_EQ(Texts(print.Page(1, Area(), u"")).size(), 2U * 2 + 2);
     EXPECT_EQ(Texts(print.Page(2, Area(), u"")).size(), 2U * 1 + 2);
     EXPECT_EQ(Texts(print.Page(3, Area(), u"")).size(), 2U * 2 + 2);
+}
+
+TEST_F(TablePrintTest, TellsWhichColumnsNoBandHasRoomFor)
+{
+    AddColumns(12);
+    for (unsigned i = 0; i < 12; ++i) {
+        profile[i].Title = ZRBasicString(std::u16string(i == 7 ? 40 : 5, static_cast<char16_t>(u'a' + i)));
+    }
+    RecordRows(3);
+    const TablePrint print = Print();
+    EXPECT_EQ(print.PagesAcross(), 2);
+    EXPECT_TRUE(print.LeftOut(1000).empty());
+    // What is told is what stands on no page, for any width.
+    for (int right = 250; right <= 1250; right += 10) {
+        device.horzRes = right;
+        const TablePrint narrow = Print();
+        std::set<ZRBasicString> printed;
+        for (int page = 1; page <= narrow.MaxPage(); ++page) {
+            for (const PrintText& text : narrow.Page(page, {0, 0, right, 800}, u"").texts) {
+                printed.insert(text.text);
+            }
+        }
+        const std::vector<std::size_t> leftOut = narrow.LeftOut(right);
+        for (std::size_t i = 0; i < 12; ++i) {
+            const bool isTold = std::find(leftOut.begin(), leftOut.end(), i) != leftOut.end();
+            EXPECT_EQ(isTold, printed.count(profile[static_cast<unsigned>(i)].Title) == 0) << right << " " << i;
+        }
+    }
 }
 
 TEST_F(TablePrintTest, APageOfASelectionSkipsUnselectedRowsAsWell)

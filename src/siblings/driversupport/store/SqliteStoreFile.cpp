@@ -3,6 +3,9 @@
 #include "platform/FileReplace.h"
 #include "siblings/driversupport/store/SqliteSchema.h"
 
+#include <chrono>
+#include <thread>
+
 namespace zr {
 
 namespace {
@@ -21,6 +24,22 @@ bool MakeFile(const std::filesystem::path& path, std::string& why)
     }
     const std::filesystem::path folder = path.parent_path();
     return (folder.empty() || MakePrivateFolder(folder, why)) && MakePrivateFile(path, why);
+}
+
+// Two programs that make a file at once both hold it for reading while they ask to turn it over: there SQLite says busy
+// at once, without the usual wait.
+bool TurnOnLog(SqliteConnection& connection)
+{
+    constexpr int kTries = 500;
+    constexpr std::chrono::milliseconds kPause(20);
+    for (int tries = 0; !connection.Run("PRAGMA journal_mode = WAL"); ++tries) {
+        if (connection.Fault() != SqliteFault::Busy || tries == kTries) {
+            return false;
+        }
+        std::this_thread::sleep_for(kPause);
+        connection.ClearFault();
+    }
+    return true;
 }
 
 // The system gives what it makes beside a file the modes that the file has then. When it could not be written, they
@@ -86,7 +105,7 @@ bool SqliteStoreFile::ConnectToWrite(const SqliteStoreOptions& options, std::str
            m_connection.ReadInteger("PRAGMA page_count", pages) &&
            // Both are for a new file; in one that is in use the second would be a write.
            (pages != 0 || m_connection.Run("PRAGMA page_size = 4096; PRAGMA auto_vacuum = INCREMENTAL")) &&
-           m_connection.Run("PRAGMA journal_mode = WAL; PRAGMA journal_size_limit = 16777216") && SetWaiting(true) &&
+           TurnOnLog(m_connection) && m_connection.Run("PRAGMA journal_size_limit = 16777216") && SetWaiting(true) &&
            PrepareSqliteSchema(m_connection, why);
 }
 

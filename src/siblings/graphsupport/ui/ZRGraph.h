@@ -70,8 +70,31 @@ public:
 
     // Selected records for each column of pixels, 0 without any: above 1 the picture is reduced to minima and maxima.
     [[nodiscard]] double RecordsPerColumn() const;
+    // For a status line: how many records are in view, and how curves are reduced. Empty without curves.
+    [[nodiscard]] ZRBasicString StatusText() const;
+    [[nodiscard]] zr::graph::Zoom InView() const;
+
+protected:
+    // Each pixel is painted by OnPaint.
+    void OnEraseBkgnd(QPainter&) override {}
+    void OnPaint(QPainter& painter) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool event(QEvent* event) override;
 
 private:
     class Parts;
     std::unique_ptr<Parts> m_parts;
+    bool m_isCreated = false;
+    bool m_showsFocus = false;  // it was reached by keyboard
 };

@@ -2,6 +2,7 @@
 
 #include "platform/ui/AfxMessageBox.h"
 #include "platform/ui/UiText.h"
+#include "siblings/support/ui/PrintedFile.h"
 #include "siblings/tools/FormatText.h"
 #include "siblings/tools/ui/CDlgProgress.h"
 #include "siblings/tools/ZRLoadString.h"
@@ -99,6 +100,16 @@ ZRPrintPreviewDialog::Printed ZRPrintPreviewDialog::PrintToFile(const QString& f
 }
 
 ZRPrintPreviewDialog::Printed ZRPrintPreviewDialog::Print(QPrinter& printer, CPrintInfo& info, unsigned mostPages)
+{
+    if (info.m_bPreview) {
+        return PrintOn(printer, info, mostPages);
+    }
+    zr::ui::PrintedFile file(printer);
+    const Printed result = PrintOn(printer, info, mostPages);
+    return result == Printed::Done && !file.PutInPlace() ? Printed::DeviceFailed : result;
+}
+
+ZRPrintPreviewDialog::Printed ZRPrintPreviewDialog::PrintOn(QPrinter& printer, CPrintInfo& info, unsigned mostPages)
 {
     QPainter painter;
     if (!painter.begin(&printer)) {

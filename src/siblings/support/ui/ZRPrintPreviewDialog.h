@@ -30,7 +30,7 @@ public:
     void OnFilePrint();
     // Shows the pages as they will be. Of very many only the first are shown; all are printed.
     void OnFilePrintPreview();
-    // As PDF.
+    // As PDF, put in place when it is whole: unless it is Done, a file of that name is as it was.
     Printed PrintToFile(const QString& file);
 
 protected:
@@ -44,6 +44,7 @@ protected:
 
 private:
     Printed Print(QPrinter& printer, CPrintInfo& info, unsigned mostPages);
+    Printed PrintOn(QPrinter& printer, CPrintInfo& info, unsigned mostPages);
     Printed PrintPages(QPrinter& printer, CDC& dc, CPrintInfo& info, unsigned mostPages);
     void Tell(Printed result);
 };

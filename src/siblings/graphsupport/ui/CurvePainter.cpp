@@ -1,0 +1,138 @@
+#include "siblings/graphsupport/ui/CurvePainter.h"
+
+#include "siblings/graphsupport/GraphModel.h"
+#include "siblings/graphsupport/SpanPainter.h"
+#include "siblings/graphsupport/ui/SceneColours.h"
+
+#include <cmath>
+#include <QPainter>
+#include <QPen>
+#include <QPolygonF>
+#include <vector>
+
+namespace zr::graph {
+
+namespace {
+
+// Of the ground of bars, so that those of other curves show through.
+constexpr int kBarAlpha = 150;
+
+std::uint32_t PixelOf(unsigned long colour, int alpha = 255)
+{
+    QColor pixel = ColourOf(colour);
+    pixel.setAlpha(alpha);
+    return pixel.rgba();
+}
+
+bool IsWithin(const Rect& rect, const QImage& picture)
+{
+    return !rect.IsEmpty() && rect.left >= 0 && rect.top >= 0 && rect.right <= picture.width() &&
+           rect.bottom <= picture.height();
+}
+
+// The end of a bar that its value is at: the one away from the row of zero.
+std::vector<RowSpan> EndsOf(const std::vector<RowSpan>& bars, const CurvePanel& panel)
+{
+    const double rowOfZero = panel.map.high / (panel.map.high - panel.map.low) * panel.rect.Height();
+    std::vector<RowSpan> ends(bars);
+    for (RowSpan& span : ends) {
+        const bool isBelow = span.top >= static_cast<float>(rowOfZero) - 0.5F;
+        (isBelow ? span.top : span.bottom) = isBelow ? span.bottom : span.top;
+    }
+    return ends;
+}
+
+void PaintBars(const PixelArea& area, const std::vector<RowSpan>& spans, const CurvePanel& panel)
+{
+    PaintFill(area, spans, PixelOf(panel.brush.lbColor, kBarAlpha));
+    PaintLine(area, EndsOf(spans, panel), {PS_SOLID, panel.pen.lopnWidth, PixelOf(panel.pen.lopnColor)});
+}
+
+Qt::PenStyle StyleOf(unsigned style)
+{
+    switch (style) {
+        case PS_DASH:
+            return Qt::DashLine;
+        case PS_DOT:
+            return Qt::DotLine;
+        case PS_DASHDOT:
+            return Qt::DashDotLine;
+        case PS_DASHDOTDOT:
+            return Qt::DashDotDotLine;
+        default:
+            return Qt::SolidLine;
+    }
+}
+
+// The unbroken pieces of a path.
+std::vector<QPolygonF> PiecesOf(const std::vector<PathPoint>& points)
+{
+    std::vector<QPolygonF> pieces(1);
+    for (const PathPoint& point : points) {
+        if (!std::isnan(point.y)) {
+            pieces.back().append(QPointF(point.x, point.y));
+        } else if (!pieces.back().isEmpty()) {
+            pieces.emplace_back();
+        }
+    }
+    return pieces;
+}
+
+void DrawPiece(QPainter& painter, const QPolygonF& piece, bool isFilled)
+{
+    if (isFilled) {
+        painter.drawPolygon(piece);
+    } else if (piece.size() == 1) {
+        painter.drawPoint(piece.front());
+    } else {
+        painter.drawPolyline(piece);
+    }
+}
+
+}  // namespace
+
+void PaintCurves(QImage& picture, const GraphModel& model, const GraphScene& scene)
+{
+    const std::ptrdiff_t stride = picture.bytesPerLine() / static_cast<std::ptrdiff_t>(sizeof(std::uint32_t));
+    auto* const pixels = reinterpret_cast<std::uint32_t*>(picture.bits());
+    std::vector<RowSpan> spans;
+    for (const CurvePanel& panel : scene.panels) {
+        if (!IsWithin(panel.rect, picture)) {
+            continue;
+        }
+        spans.assign(static_cast<std::size_t>(panel.rect.Width()), RowSpan());
+        model.Spans(panel, spans);
+        const PixelArea area{pixels + panel.rect.top * stride + panel.rect.left, panel.rect.Width(),
+                             panel.rect.Height(), stride};
+        if (panel.shape == CurveShape::Bars) {
+            PaintBars(area, spans, panel);
+        } else {
+            PaintLine(area, spans, {panel.pen.lopnStyle, panel.pen.lopnWidth, PixelOf(panel.pen.lopnColor)});
+        }
+    }
+}
+
+void DrawCurves(QPainter& painter, const GraphModel& model, const GraphScene& scene)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    std::vector<PathPoint> points;
+    for (const CurvePanel& panel : scene.panels) {
+        points.clear();
+        model.Path(panel, points);
+        const bool isFilled = panel.shape == CurveShape::Bars;
+        painter.setPen(QPen(ColourOf(panel.pen.lopnColor), panel.pen.lopnWidth, StyleOf(panel.pen.lopnStyle),
+                            Qt::RoundCap, Qt::RoundJoin));
+        QColor ground = ColourOf(panel.brush.lbColor);
+        ground.setAlpha(kBarAlpha);
+        painter.setBrush(isFilled ? QBrush(ground) : QBrush());
+        for (const QPolygonF& piece : PiecesOf(points)) {
+            if (!piece.isEmpty()) {
+                DrawPiece(painter, piece, isFilled);
+            }
+        }
+    }
+    painter.restore();
+}
+
+}  // namespace zr::graph

@@ -1,15 +1,18 @@
 // The window of logged data on a million records, off screen: how soon its first picture is there, what a page key
-// costs until the next one is, and what the list keeps of a row.
+// costs until the next one is, what the list keeps of a row, and how often the bar of a load moves.
 #include "BenchLine.h"
 #include "hosts/kestrix/ui/LoggedDataWindow.h"
 #include "hosts/kestrix/ui/Theme.h"
 #include "LoggedMillion.h"
 #include "logger/SuiteKey.h"
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
+#include "platform/ui/CDialog.h"
 #include "platform/ui/Images.h"
 #include "siblings/tools/LanguageFile.h"
+#include "siblings/tools/ui/CDlgProgress.h"
 #include "siblings/tools/ZRLoadString.h"
 #include "support/ManualClock.h"
+#include "ui/logger/StoreWithGate.h"
 
 #include <malloc.h>
 #include <algorithm>
@@ -20,7 +23,9 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPointer>
+#include <QProgressBar>
 #include <QScrollBar>
+#include <thread>
 #include <vector>
 
 namespace zr::bench {
@@ -29,7 +34,8 @@ namespace {
 using std::chrono::steady_clock;
 
 constexpr int kRounds = 5;
-constexpr int kPeriod = 30;         // seconds, so that a year holds a million
+constexpr int kPeriod = 30;  // seconds, so that a year holds a million
+constexpr std::chrono::milliseconds kSlowBlock{1};
 constexpr double kLongFrame = 8.0;  // ms
 constexpr QSize kWindow{1280, 900};
 
@@ -116,7 +122,7 @@ public:
         key.WriteText(logger::kLastGroupValue, u"YEAR");
         key.WriteText(logger::kLastPeriodValue, u"FILE");
         MillionMeter::Fill(m_store, kPeriod);
-        SetLoggerStore(&m_store);
+        SetLoggerStore(&m_gate);
     }
     TableWindowBench(const TableWindowBench&) = delete;
     TableWindowBench& operator=(const TableWindowBench&) = delete;
@@ -141,6 +147,7 @@ public:
         std::nth_element(openings.begin(), openings.begin() + kRounds / 2, openings.end());
         PrintLine("table.open_1m_ms", openings[kRounds / 2], "ms");
         ScrollEverywhere();
+        MeasureBar();
         Close();
     }
 
@@ -226,6 +233,25 @@ private:
         PrintLine("table.page_median_ms", frames[frames.size() / 2], "ms");
     }
 
+    // How often the bar moves while a load runs that takes some seconds.
+    void MeasureBar()
+    {
+        int moves = 0;
+        ui::SetModalHook([&](QDialog& dialog) {
+            auto& progress = dynamic_cast<CDlgProgress&>(dialog);
+            QObject::connect(&progress.m_bar, &QProgressBar::valueChanged, &progress, [&] { ++moves; });
+        });
+        m_gate.gate = [] {
+            std::this_thread::sleep_for(kSlowBlock);
+            return true;
+        };
+        const ZRDateTime day(MillionMeter::kFirstSecond + 40 * 86400, 0);
+        const double time = OnceMs([&] { m_window->SetupData(day, logger::kGroupByWeek, {0, 0}, true); });
+        m_gate.gate = nullptr;
+        ui::SetModalHook(nullptr);
+        PrintLine("table.bar_moves_per_s", moves / time * 1000.0, "1/s");
+    }
+
     int m_pages;
     test::TempFolder m_folder;
     test::Environment m_config{"XDG_CONFIG_HOME", m_folder.Path().string()};
@@ -235,6 +261,7 @@ private:
     test::ManualClock m_clock{std::chrono::sys_days(std::chrono::year(2003) / std::chrono::December / 10)};
     MillionMeter m_meter;
     MemoryLoggerStore m_store;
+    logger::StoreWithGate m_gate{m_store};
     QPointer<WatchedWindow> m_window;
 };
 

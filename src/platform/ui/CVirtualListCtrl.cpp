@@ -189,18 +189,55 @@ void CVirtualListCtrl::changeEvent(QEvent* event)
     }
 }
 
+bool CVirtualListCtrl::ScrollSideways(const QKeyEvent& event)
+{
+    const bool isLeft = event.key() == Qt::Key_Left;
+    if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::ControlModifier || (!isLeft && event.key() != Qt::Key_Right)) {
+        return false;
+    }
+    horizontalScrollBar()->triggerAction(isLeft ? QAbstractSlider::SliderSingleStepSub
+                                                : QAbstractSlider::SliderSingleStepAdd);
+    return true;
+}
+
 // Home and End go to the first and last row, as in every list; a table would go along the row.
 void CVirtualListCtrl::keyPressEvent(QKeyEvent* event)
 {
+    if (ScrollSideways(*event)) {
+        return;
+    }
     if (!currentIndex().isValid() && GetItemCount() > 0) {
         selectionModel()->setCurrentIndex(m_rows->index(0, 0), QItemSelectionModel::NoUpdate);
     }
     if (event->key() == Qt::Key_Home || event->key() == Qt::Key_End) {
-        QKeyEvent whole(event->type(), event->key(), event->modifiers() | Qt::ControlModifier);
-        QTableView::keyPressEvent(&whole);
+        GoToEnd(*event);
         return;
     }
     QTableView::keyPressEvent(event);
+}
+
+void CVirtualListCtrl::GoToEnd(const QKeyEvent& event)
+{
+    QKeyEvent whole(event.type(), event.key(), event.modifiers() | Qt::ControlModifier);
+    m_goesToEnd = (event.modifiers() & Qt::ControlModifier) == 0;
+    QTableView::keyPressEvent(&whole);
+    m_goesToEnd = false;
+    if ((event.modifiers() & (Qt::ControlModifier | Qt::ShiftModifier)) == 0 && currentIndex().isValid()) {
+        // Also where the row was the current one before.
+        selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    }
+}
+
+// What is added to the key so that it goes to the end doesn't keep the selection as it is.
+QItemSelectionModel::SelectionFlags CVirtualListCtrl::selectionCommand(const QModelIndex& index,
+                                                                       const QEvent* event) const
+{
+    if (m_goesToEnd && event != nullptr && event->type() == QEvent::KeyPress) {
+        const auto& key = dynamic_cast<const QKeyEvent&>(*event);
+        const QKeyEvent plain(key.type(), key.key(), key.modifiers() & ~Qt::ControlModifier);
+        return QTableView::selectionCommand(index, &plain);
+    }
+    return QTableView::selectionCommand(index, event);
 }
 
 void CVirtualListCtrl::DeleteAllColumns()

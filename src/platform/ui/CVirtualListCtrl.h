@@ -27,8 +27,8 @@ struct NMLVDISPINFO {
 
 // Report view with owner data: the parent is asked for every text by LVN_GETDISPINFO when it is drawn, and no row costs
 // more than a header keeps of it. Whole rows are selected, any number of them; titles don't sort, and the user drags
-// columns about and widens them. The first column stands at the left, the others, which are numbers, at the right. UI
-// thread only.
+// columns about and widens them; Ctrl+Left and Ctrl+Right scroll sideways. The first column stands at the left, the
+// others, which are numbers, at the right. UI thread only.
 class CVirtualListCtrl : public QTableView {
 public:
     CVirtualListCtrl(QWidget* parent, unsigned id);
@@ -61,11 +61,16 @@ public:
 protected:
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
 
 private:
     class Rows;
 
     void FitToFont();
+    // Whether the key was one of those that do.
+    bool ScrollSideways(const QKeyEvent& event);
+    void GoToEnd(const QKeyEvent& event);
 
     Rows* m_rows;  // Owned by Qt.
+    bool m_goesToEnd = false;
 };

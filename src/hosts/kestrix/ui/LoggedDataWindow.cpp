@@ -122,7 +122,9 @@ void LoggedDataWindow::MakeShortcuts()
     add(QKeySequence(Qt::ALT | Qt::Key_Left), [this] { OnPrevious(); });
     add(QKeySequence(Qt::ALT | Qt::Key_Right), [this] { OnNext(); });
     add(QKeySequence(Qt::CTRL | Qt::Key_G), [this] { OnGoTo(); });
-    add(QKeySequence::Copy, [this] { OnEditCopy(); });
+    for (const QKeySequence& keys : QKeySequence::keyBindings(QKeySequence::Copy)) {
+        add(keys, [this] { OnEditCopy(); });
+    }
     add(QKeySequence::Print, [this] { OnFilePrint(); });
     add(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P), [this] { OnFilePrintPreview(); });
     add(QKeySequence(Qt::CTRL | Qt::Key_E), [this] { AskWhereToExport(); });

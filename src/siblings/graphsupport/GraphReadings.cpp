@@ -45,7 +45,7 @@ MarkerReading ReadBetween(const GraphState& state, int number, Zoom between)
     const CurveFigures figures = FiguresOf(state, number, between.from, between.to);
     if (figures.count > 0) {
         reading.minimum = ValueText(curve, figures.minimum);
-        reading.mean = PlainValueText(curve, figures.mean);
+        reading.mean = ValueText(curve, figures.mean);
         reading.maximum = ValueText(curve, figures.maximum);
         reading.sum = isBars ? PlainValueText(curve, figures.mean * static_cast<double>(figures.count)) : reading.sum;
     }

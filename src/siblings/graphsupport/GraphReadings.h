@@ -27,7 +27,7 @@ struct MarkerReading {
     ZRBasicString atSecond;
     ZRBasicString difference;  // second less first; of power factors along their folded scale
     ZRBasicString minimum;
-    ZRBasicString mean;
+    ZRBasicString mean;  // of power factors along their folded scale
     ZRBasicString maximum;
     ZRBasicString sum;  // of bars; else empty
 };

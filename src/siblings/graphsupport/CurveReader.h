@@ -38,7 +38,7 @@ public:
     std::size_t From(std::size_t record);
     // The first record of [begin, end) whose sample is at most low or at least high. There must be one.
     std::size_t FirstBeyond(std::size_t begin, std::size_t end, const ValueRange& limits);
-    // Sum of the unfolded values of records [begin, end), scaled by SampleLevels::kSumScale, and their count.
+    // Sum of the values of records [begin, end), scaled by SampleLevels::kSumScale, and their count.
     SampleLevels::Tally TallyOf(std::size_t begin, std::size_t end);
 
 private:

@@ -67,7 +67,8 @@ public:
 
     // Of what is drawn between two times; for an automatic scale.
     [[nodiscard]] ValueRange RangeOf(std::size_t curve, std::int64_t from, std::int64_t to) const;
-    // Of the samples from a time on and before another. The mean is of the unfolded values of a folded curve.
+    // Of the samples from a time on and before another. The mean of a folded curve is that along its scale: the mean of
+    // 0.98 and -0.98 is 1.
     [[nodiscard]] CurveFigures FiguresOf(std::size_t curve, std::int64_t from, std::int64_t to) const;
     // What the curve shows at a time: the sample nearest to it of a line; the one that holds then of steps and bars.
     // None in a gap; next to one the last or first sample of a line, up to half of the usual distance away, so that a

@@ -6,6 +6,7 @@
 #include "siblings/tools/ZRLoadString.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <optional>
 
@@ -20,6 +21,7 @@ constexpr double kDateLeft = 5.0;
 constexpr double kTop = 2.0;
 constexpr double kBetween = 10.0;
 constexpr double kSwatch = 10.0;
+constexpr double kSample = 26.0;  // of a pen, where swatches would all be black
 constexpr double kBehindSwatch = 3.0;
 constexpr double kBehindText = 2.0;
 constexpr double kBeforeValue = 6.0;
@@ -44,6 +46,28 @@ void PutSwatch(const Rect& rect, int curve, SceneLayer& out)
     out.push_back(SceneLine{topRight, bottomRight, SceneRole::SwatchFrame});
     out.push_back(SceneLine{bottomLeft, bottomRight, SceneRole::SwatchFrame});
     out.push_back(SceneLine{topLeft, bottomLeft, SceneRole::SwatchFrame});
+}
+
+int SwatchWidth(const GraphTarget& target)
+{
+    return Scaled(target.isMonochrome ? kSample : kSwatch, target.scale);
+}
+
+// Strokes and gaps in turn, of each style of pen, in pixels of scale 1.
+constexpr std::array<std::array<double, 6>, 5> kDashes = {
+    {{26, 0, 26, 0, 26, 0}, {6, 3, 6, 3, 6, 3}, {1, 2, 1, 2, 1, 2}, {6, 2, 1, 2, 6, 2}, {6, 2, 1, 2, 1, 2}}};
+
+// A piece of a curve's line.
+void PutSample(const Rect& rect, unsigned style, double scale, SceneLayer& out)
+{
+    const std::array<double, 6>& dashes = kDashes[style < kDashes.size() ? style : 0];
+    const int row = (rect.top + rect.bottom) / 2;
+    int left = rect.left;
+    for (std::size_t i = 0; left < rect.right; i = (i + 2) % dashes.size()) {
+        const int right = std::min(left + Scaled(dashes[i], scale), rect.right);
+        out.push_back(SceneLine{{left, row}, {right - 1, row}, SceneRole::Text, -1, false});
+        left = right + Scaled(dashes[i + 1], scale);
+    }
 }
 
 class LegendPainter {
@@ -75,7 +99,12 @@ public:
         }
         const int swatch = Scaled(kSwatch, scale);
         const int swatchTop = top + (m_line - swatch) / 2;
-        PutSwatch({entry.left, swatchTop, entry.left + swatch, swatchTop + swatch}, entry.curve, m_out);
+        const Rect rect{entry.left, swatchTop, entry.left + SwatchWidth(m_target), swatchTop + swatch};
+        if (m_target.isMonochrome) {
+            PutSample(rect, MonochromeStyle(entry.curve), scale, m_out);
+        } else {
+            PutSwatch(rect, entry.curve, m_out);
+        }
         const GraphCurve& curve = m_state.curves.curves[static_cast<std::size_t>(entry.curve)];
         m_out.push_back(SceneText{{entry.title, top, entry.value, top + m_line},
                                   curve.title,
@@ -114,6 +143,11 @@ private:
 
 }  // namespace
 
+unsigned MonochromeStyle(int curve)
+{
+    return static_cast<unsigned>(curve) % (PS_DASHDOTDOT + 1);
+}
+
 Legend MakeLegend(const GraphState& state, const GraphTarget& target, std::span<const int> valueWidths)
 {
     Legend legend;
@@ -123,7 +157,7 @@ Legend MakeLegend(const GraphState& state, const GraphTarget& target, std::span<
     }
     const double scale = target.scale;
     std::vector<Cursor> cursors(legend.rows.size());
-    if (state.Records() > 0 && !cursors.empty()) {
+    if (state.Records() > 0 && !cursors.empty() && !target.isPaper) {
         const ZRBasicString date = state.Texts().Write(kWideDate, kLegendFlags);
         legend.dateWidth = target.texts->Width(date.Text(), TextFont::Normal) + Scaled(kDateLeft, scale);
         cursors[0].right = Scaled(kDateLeft, scale) + legend.dateWidth;
@@ -134,10 +168,10 @@ Legend MakeLegend(const GraphState& state, const GraphTarget& target, std::span<
         LegendEntry entry;
         entry.curve = static_cast<int>(i);
         entry.zone = curve.zone;
-        entry.valueWidth = std::max(i < valueWidths.size() ? valueWidths[i] : 0,
+        entry.valueWidth = std::max(i < valueWidths.size() && !target.isPaper ? valueWidths[i] : 0,
                                     target.texts->Width(curve.unit.Text(), TextFont::Bold));
         const int titleWidth = target.texts->Width(curve.title.Text(), TextFont::Normal);
-        const int before = Scaled(kSwatch, scale) + Scaled(kBehindSwatch, scale);
+        const int before = SwatchWidth(target) + Scaled(kBehindSwatch, scale);
         const int width = before + titleWidth + Scaled(kBeforeValue, scale) + entry.valueWidth;
         int left = cursor.right + Scaled(cursor.right > 0 ? kBetween : kDateLeft, scale);
         if (left + width > target.width && cursor.right > 0) {
@@ -180,7 +214,8 @@ void AppendLegend(const Legend& legend, const GraphState& state, const GraphTarg
     if (target.texts == nullptr) {
         return;
     }
-    const std::optional<std::int64_t> time = TimeOfReadings(state, target.isPaper);
+    // Paper has units only: what is at one moment belongs to the pointer.
+    const std::optional<std::int64_t> time = target.isPaper ? std::nullopt : TimeOfReadings(state);
     LegendPainter painter(state, target, out);
     if (time && legend.dateWidth > 0 && !places.empty() && !places[0].IsEmpty()) {
         painter.PutDate(places[0], legend.dateWidth, *time);

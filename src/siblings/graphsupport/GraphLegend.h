@@ -32,7 +32,11 @@ Legend MakeLegend(const GraphState& state, const GraphTarget& target, std::span<
 // Stores more, where the data need it: of each curve as wide as the text of any value that it has. Never less.
 void WidenValues(const GraphState& state, const TextExtents& texts, std::vector<int>& valueWidths);
 
-// Date and values: those at the cursor, else the last in view. Without either the curves have no values.
+// The dashes that tell a curve from its neighbours without colours, as PS_SOLID and so on.
+unsigned MonochromeStyle(int curve);
+
+// Date and values: those at the cursor, else the last in view. Without either, and on paper, the curves have their
+// units alone.
 void AppendLegend(const Legend& legend, const GraphState& state, const GraphTarget& target,
                   const std::vector<Rect>& places, SceneLayer& out);
 

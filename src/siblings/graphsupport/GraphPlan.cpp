@@ -87,7 +87,7 @@ LOGPEN PenFor(const GraphState& state, const GraphTarget& target, int curve)
     pen.lopnWidth = Scaled(std::clamp(pen.lopnWidth, 1, 9), target.scale);
     if (target.isMonochrome) {
         pen.lopnColor = 0;
-        pen.lopnStyle = static_cast<unsigned>(curve) % (PS_DASHDOTDOT + 1);
+        pen.lopnStyle = MonochromeStyle(curve);
     }
     return pen;
 }

@@ -45,7 +45,7 @@ MarkerReading ReadBetween(const GraphState& state, int number, Zoom between)
     const CurveFigures figures = FiguresOf(state, number, between.from, between.to);
     if (figures.count > 0) {
         reading.minimum = ValueText(curve, figures.minimum);
-        reading.mean = PlainValueText(curve, figures.mean);
+        reading.mean = ValueText(curve, figures.mean);
         reading.maximum = ValueText(curve, figures.maximum);
         reading.sum = isBars ? PlainValueText(curve, figures.mean * static_cast<double>(figures.count)) : reading.sum;
     }
@@ -70,12 +70,12 @@ std::optional<std::int64_t> LastInView(const GraphState& state)
 
 }  // namespace
 
-std::optional<std::int64_t> TimeOfReadings(const GraphState& state, bool isPaper)
+std::optional<std::int64_t> TimeOfReadings(const GraphState& state)
 {
     if (!state.hasData || state.view.IsEmpty()) {
         return std::nullopt;
     }
-    return state.cursor && !isPaper ? state.cursor : LastInView(state);
+    return state.cursor ? state.cursor : LastInView(state);
 }
 
 CurveReading ReadingAt(const GraphState& state, int number, std::int64_t time, std::int64_t columnLength)

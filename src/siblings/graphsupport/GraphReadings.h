@@ -27,13 +27,13 @@ struct MarkerReading {
     ZRBasicString atSecond;
     ZRBasicString difference;  // second less first; of power factors along their folded scale
     ZRBasicString minimum;
-    ZRBasicString mean;
+    ZRBasicString mean;  // of power factors along their folded scale
     ZRBasicString maximum;
     ZRBasicString sum;  // of bars; else empty
 };
 
-// The time that the values shown in the legend are of: the cursor; without one, and on paper, the last record in view.
-std::optional<std::int64_t> TimeOfReadings(const GraphState& state, bool isPaper);
+// The time that the values shown in the legend are of: the cursor; without one the last record in view.
+std::optional<std::int64_t> TimeOfReadings(const GraphState& state);
 // One a curve; a column of pixels is so long. All are "-" where there are no data.
 std::vector<CurveReading> ReadingsAt(const GraphState& state, std::int64_t time, std::int64_t columnLength);
 // The same of one curve.

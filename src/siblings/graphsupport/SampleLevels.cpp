@@ -30,8 +30,9 @@ RowScan ScanValid(const LoggedValue* value, std::size_t rows, std::size_t apart,
     RowScan odd;
     const auto add = [factor](RowScan& scan, double stored) {
         const double shown = stored * factor;
-        scan.range.Add(isFolded ? Fold(shown) : shown);
-        scan.sum += shown * SampleLevels::kSumScale;
+        const double drawn = isFolded ? Fold(shown) : shown;
+        scan.range.Add(drawn);
+        scan.sum += drawn * SampleLevels::kSumScale;
     };
     std::size_t r = 0;
     for (; r + 1 < rows; r += 2, value += 2 * apart) {
@@ -80,7 +81,7 @@ RowScan ScanAny(const LoggedValue* value, std::size_t rows, std::size_t apart, c
         const double drawn = ShownValue(*value, curve);
         if (drawn == drawn) {
             scan.range.Add(drawn);
-            scan.sum += value->value * curve.factor * SampleLevels::kSumScale;
+            scan.sum += drawn * SampleLevels::kSumScale;
             ++scan.count;
         }
     }

@@ -33,7 +33,7 @@ public:
         double high;
     };
     struct Tally {
-        double sum;  // of unfolded shown values, scaled
+        double sum;  // of shown values, scaled
         std::uint64_t count;
     };
 
@@ -70,7 +70,7 @@ private:
 // What a run of rows holds of one column.
 struct RowScan {
     ValueRange range;
-    double sum = 0.0;  // of unfolded shown values, scaled
+    double sum = 0.0;  // of shown values, scaled
     std::size_t count = 0;
 };
 // Values stand so many apart.

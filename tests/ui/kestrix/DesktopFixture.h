@@ -16,6 +16,7 @@
 #include <memory>
 #include <QApplication>
 #include <QTest>
+#include <QTimer>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,14 @@ protected:
         m_supervisor.reset();
         ui::SetMessageBoxHook(nullptr);
         SetLocaleInformation("");
+        ForgetTheEnd();
+    }
+
+    // A main window that was closed has asked the program to end, and no dialog would run from then on.
+    static void ForgetTheEnd()
+    {
+        QTimer::singleShot(0, qApp, [] { QApplication::exit(); });
+        QApplication::exec();
     }
 
     void Complain(const std::string& text) override { m_complaints.push_back(text); }

@@ -319,9 +319,10 @@ TEST(GraphDataPropertyTest, FiguresAreThoseOfEverySample)
             std::int64_t latest = std::numeric_limits<std::int64_t>::min();
             for (std::size_t r = 0; r < curves.times.size(); ++r) {
                 latest = std::max(latest, curves.times[r]);
-                const double value = curves.values[c][r] * curves.curves[c].factor;
+                const double shown = curves.values[c][r] * curves.curves[c].factor;
+                const double value = curves.curves[c].isFolded && shown < 0.0 ? shown + 2.0 : shown;
                 if (latest >= from && latest < to && std::isfinite(value)) {
-                    range.Add(curves.curves[c].isFolded && value < 0.0 ? value + 2.0 : value);
+                    range.Add(value);
                     sum += value;
                     size += std::abs(value);
                     ++count;

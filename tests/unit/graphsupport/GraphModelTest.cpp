@@ -458,6 +458,31 @@ TEST_F(GraphModelTest, WithoutColoursCurvesDifferByTheirDashes)
     EXPECT_EQ(paper.panels.at(2).pen.lopnColor, 0u);
 }
 
+TEST_F(GraphModelTest, WithoutColoursTheLegendShowsTheDashes)
+{
+    Record(kVoltage, {2300, 2310});
+    Show({Curve(kVoltage), Curve(kVoltage), Curve(kVoltage)});
+    const GraphScene paper = model.SceneFor({800, 200, 1.0, &extents, true, true});
+    EXPECT_TRUE(Items<SceneRect>(paper.over, SceneRole::Swatch).empty());
+    const std::vector<std::string> texts = Texts(paper.over);
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "Voltage"), 3);
+    std::vector<int> lengths;
+    for (const SceneLine& line : Items<SceneLine>(paper.over, SceneRole::Text)) {
+        lengths.push_back(line.to.x - line.from.x + 1);
+    }
+    ASSERT_EQ(lengths.size(), 1u + 3u + 9u);
+    EXPECT_EQ(lengths.front(), 26);
+    EXPECT_EQ(lengths[1], 6);
+    EXPECT_EQ(lengths.back(), 1);
+}
+
+TEST_F(GraphModelTest, OnPaperTheLegendHasUnitsAlone)
+{
+    ShowVoltage();
+    const GraphScene paper = model.SceneFor({800, 400, 1.0, &extents, true, false});
+    EXPECT_EQ(Texts(paper.over), (std::vector<std::string>{"Voltage", "V"}));
+}
+
 TEST_F(GraphModelTest, ChangesAreToldOnce)
 {
     ShowVoltage();
@@ -559,7 +584,8 @@ TEST_F(GraphModelTest, AnythingInAnyOrderDoesNoHarm)
         const Point at{static_cast<int>(random() % 900) - 50, static_cast<int>(random() % 500) - 50};
         switch (random() % 14) {
             case 0:
-                SetSize(static_cast<int>(random() % 1000), static_cast<int>(random() % 600), static_cast<double>(random() % 2 + 1));
+                SetSize(static_cast<int>(random() % 1000), static_cast<int>(random() % 600),
+                        static_cast<double>(random() % 2 + 1));
                 break;
             case 1: {
                 std::vector<CurveInfo> curves;

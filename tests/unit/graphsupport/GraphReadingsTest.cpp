@@ -90,6 +90,19 @@ TEST_F(GraphReadingsTest, BarsHaveASum)
     EXPECT_EQ(Utf16ToUtf8(model.MarkerReadings().at(0).sum), "2.0 kWh");
 }
 
+TEST_F(GraphReadingsTest, TheMeanOfPowerFactorsIsTakenAlongTheirScale)
+{
+    Record(kFactor, {0.9, -0.9, 0.9, -0.7});
+    Show({Curve(kFactor)});
+    model.SetMarker(0, At(0));
+    model.SetMarker(1, At(4));
+    const MarkerReading reading = model.MarkerReadings().at(0);
+    EXPECT_EQ(Utf16ToUtf8(reading.minimum), "0.9 PF");
+    // 0.9, 1.1, 0.9 and 1.3 on the folded scale: 1.05, which is -0.95.
+    EXPECT_EQ(Utf16ToUtf8(reading.mean).substr(0, 3), "-0.");
+    EXPECT_EQ(Utf16ToUtf8(reading.maximum), "-0.7 PF");
+}
+
 TEST_F(GraphReadingsTest, MarkersInAGapHaveNoFigures)
 {
     Record(kVoltage, {2300, 2310});

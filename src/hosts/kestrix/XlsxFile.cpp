@@ -1,5 +1,6 @@
 // The one place that knows the library for workbooks.
 #include "hosts/kestrix/TableExport.h"
+#include "hosts/kestrix/XlsxCheck.h"
 #include "platform/FileReplace.h"
 
 #include <xlsxwriter.h>
@@ -73,6 +74,20 @@ private:
     const ExportedTable& m_table;
 };
 
+// For its user alone, as every file of ours.
+bool PutInPlace(const std::filesystem::path& part, const std::filesystem::path& file, std::string& reason)
+{
+    std::error_code failed;
+    std::filesystem::permissions(part, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
+                                 failed);
+    std::filesystem::rename(part, file, failed);
+    if (failed) {
+        reason = failed.message();
+        return false;
+    }
+    return FlushFolder(file.parent_path(), reason);
+}
+
 }  // namespace
 
 bool WriteXlsx(const ExportedTable& table, const std::filesystem::path& file, std::string& reason)
@@ -92,16 +107,16 @@ bool WriteXlsx(const ExportedTable& table, const std::filesystem::path& file, st
     }
     Sheet(book, table).Write();
     const lxw_error error = workbook_close(book);
-    std::error_code failed;
-    if (error == LXW_NO_ERROR) {
-        std::filesystem::rename(part, file, failed);
+    if (error != LXW_NO_ERROR) {
+        reason = lxw_strerror(error);
+    } else if (!HoldsRows(part, std::int64_t{table.group->count} + 1)) {
+        reason = "not all of it could be written; the disk may be full, or the folder of temporary files";
+    } else if (PutInPlace(part, file, reason)) {
+        return true;
     }
-    if (error != LXW_NO_ERROR || failed) {
-        reason = failed ? failed.message() : lxw_strerror(error);
-        std::filesystem::remove(part, failed);
-        return false;
-    }
-    return true;
+    std::error_code ignored;
+    std::filesystem::remove(part, ignored);
+    return false;
 }
 
 }  // namespace zr::desktop

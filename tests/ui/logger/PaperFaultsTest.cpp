@@ -1,9 +1,7 @@
 // Printing where there is no printer, no room on the sheet, and no room on the disk.
+#include "support/SmallDisk.h"
 #include "ui/logger/ExplorerFixture.h"
 
-#include <sys/resource.h>
-#include <csignal>
-#include <fstream>
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QLineEdit>
@@ -52,28 +50,6 @@ protected:
         EXPECT_GT(List().GetItemCount(), 0);
         EXPECT_EQ(Cell(0, 1), "230.0");
     }
-};
-
-// No files grow beyond that while it lives.
-class SmallDisk {
-public:
-    explicit SmallDisk(rlim_t bytes) : m_signal(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const struct rlimit small = {bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &small);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-    ~SmallDisk()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_signal);
-    }
-
-private:
-    struct rlimit m_before = {};
-    void (*m_signal)(int);
 };
 
 TEST_F(PaperFaultsTest, OffersAFileWhereThereIsNoPrinter)
@@ -144,7 +120,7 @@ TEST_F(PaperFaultsTest, KeepsTheOldFileWhenTheDiskIsFull)
     folder.Write("table.pdf", "old");
     Printed result = Printed::Done;
     {
-        const SmallDisk disk(64 * 1024);
+        const test::SmallDisk disk(64 * 1024);
         result = window.PrintToFile(ToQt(File()));
     }
     EXPECT_EQ(result, Printed::DeviceFailed);

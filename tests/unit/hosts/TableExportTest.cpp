@@ -1,6 +1,9 @@
 #include "hosts/kestrix/TableExport.h"
 
 #include "unit/logger/LoggedFixture.h"
+#ifndef _WIN32
+#include "support/SmallDisk.h"
+#endif
 
 #include <limits>
 
@@ -66,6 +69,46 @@ TEST_F(TableExportTest, WritesAWorkbookAndLeavesNothingBesideIt)
     EXPECT_EQ(folder.Read("table.xlsx").substr(0, 4), "PK\x03\x04");
     EXPECT_FALSE(std::filesystem::exists(folder / "table.xlsx.part"));
 }
+
+#ifndef _WIN32
+TEST_F(TableExportTest, KeepsTheOldFileWhenTheDiskIsFull)
+{
+    const int series = store.OpenSeries(u"M.U", 1);
+    std::vector<LoggerAppend> batch;
+    for (int i = 0; i < 80000; ++i) {
+        batch.push_back({series, (946684800 + std::int64_t{kDay.seconds} + i) * 1000000, 2300.0 + i % 1009});
+    }
+    ASSERT_TRUE(store.Append(batch));
+    const ExportedTable table = Table();
+    for (const char* const name : {"table.csv", "table.xlsx"}) {
+        folder.Write(name, "old");
+        bool isWritten = true;
+        reason.clear();
+        {
+            const test::SmallDisk disk(128 * 1024);
+            const bool isCsv = std::string(name) == "table.csv";
+            isWritten = isCsv ? WriteCsv(table, folder / name, reason) : WriteXlsx(table, folder / name, reason);
+        }
+        EXPECT_FALSE(isWritten) << name;
+        EXPECT_FALSE(reason.empty()) << name;
+        EXPECT_EQ(folder.Read(name), "old") << name;
+    }
+    EXPECT_EQ(folder.Names().size(), 2U);
+    EXPECT_TRUE(WriteXlsx(table, folder / "table.xlsx", reason)) << reason;
+    EXPECT_GT(std::filesystem::file_size(folder / "table.xlsx"), 128U * 1024);
+}
+
+TEST_F(TableExportTest, WritesFilesForTheirUserAlone)
+{
+    RecordVoltages(kDay, {2301});
+    ASSERT_TRUE(WriteCsv(Table(), folder / "table.csv", reason));
+    ASSERT_TRUE(WriteXlsx(Table(), folder / "table.xlsx", reason));
+    using std::filesystem::perms;
+    for (const char* const name : {"table.csv", "table.xlsx"}) {
+        EXPECT_EQ(std::filesystem::status(folder / name).permissions(), perms::owner_read | perms::owner_write);
+    }
+}
+#endif
 
 TEST_F(TableExportTest, TellsTheSecondPassOfADoubledHourByTheOrder)
 {

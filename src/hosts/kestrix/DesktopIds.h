@@ -161,6 +161,11 @@ inline constexpr unsigned kMessageLoadFailed = 40225;
 inline constexpr unsigned kMessageArrangementNotKept = 40226;
 inline constexpr unsigned kMessageArrangementLost = 40227;
 
+// Table or graph.
+inline constexpr unsigned kTextLoggedGraph = 40260;
+inline constexpr unsigned kTextLoggedTable = 40261;
+inline constexpr unsigned kTextLoggedZoomed = 40262;
+
 // The page of logged data.
 inline constexpr unsigned kTextLoggedData = 40320;
 inline constexpr unsigned kTextLoggedRecording = 40321;

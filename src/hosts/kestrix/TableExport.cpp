@@ -1,6 +1,9 @@
 #include "hosts/kestrix/TableExport.h"
 
 #include "platform/FileReplace.h"
+#include "siblings/driversupport/VariableReference.h"
+#include "siblings/tools/Utf.h"
+#include "siblings/tools/ZRLoadString.h"
 
 #include <fmt/format.h>
 #include <algorithm>
@@ -25,6 +28,39 @@ std::string Quoted(const std::string& cell)
 }
 
 }  // namespace
+
+void SetColumns(ExportedTable& table, const ZRTableProfile& profile, const ZRLoggerInfo& info)
+{
+    ZRBasicString time;
+    table.titles = {Utf16ToUtf8(ZRLoadString(logger::kTextTimeColumn, time))};
+    table.values.clear();
+    auto record = profile.VarsBegin();
+    for (const logger::ValueColumn& value : FindValueColumns(profile, info, logger::MatchBy::Name)) {
+        if (value.position >= 0) {
+            table.titles.push_back(Utf16ToUtf8(logger::HeaderText(**record)));
+            table.values.push_back(value);
+        }
+        ++record;
+    }
+}
+
+void SetColumns(ExportedTable& table, const ZRGraphProfile& profile, const ZRLoggerInfo& info)
+{
+    ZRTableProfile columns;
+    for (auto at = profile.VarsBegin(); at != profile.VarsEnd(); ++at) {
+        const ZRGraphProfile::CVariableProfile& curve = **at;
+        for (ZRDriverVariable* variable : info.variables) {
+            if (variable->fullName == curve.Name) {
+                ZRBasicString title;
+                GetTitleVariable(*variable, title, logger::kTitleAmongDevices);
+                columns.AddVariable(curve.Name, title, curve.Index, curve.MeasureUnits, curve.ValueExponent,
+                                    curve.Decimals, 0, curve.UnitsExponent);
+                break;
+            }
+        }
+    }
+    SetColumns(table, columns, info);
+}
 
 std::int32_t RecordOffsets::Of(const ZRDateTime& local)
 {

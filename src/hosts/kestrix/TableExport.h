@@ -2,6 +2,7 @@
 #pragma once
 
 #include "logger/TableTexts.h"
+#include "profiles/ZRGraphProfile.h"
 #include "siblings/driversupport/ZRLoggerData.h"
 #include "siblings/tools/TimeZone.h"
 
@@ -20,6 +21,11 @@ struct ExportedTable {
     TimeZone zone;            // of the records' times
     std::string offsetTitle;  // of the column that says how far local time is from UTC
 };
+
+// Titles and columns of a table of these variables, in its order; what isn't logged has none. The list must be locked.
+void SetColumns(ExportedTable& table, const ZRTableProfile& profile, const ZRLoggerInfo& info);
+// Of a graph, in the order of its curves: as a table on the same variables has them.
+void SetColumns(ExportedTable& table, const ZRGraphProfile& profile, const ZRLoggerInfo& info);
 
 // The offset from UTC of records in their order, seconds. Of an hour that occurs twice, the second pass is told by the
 // order.

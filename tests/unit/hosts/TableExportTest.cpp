@@ -52,6 +52,37 @@ TEST_F(TableExportTest, WritesTheTitlesAloneForNoRecords)
     EXPECT_EQ(folder.Read("table.csv"), "Date and time,M Voltage (V),\"M \"\"Power\"\", factor (PF)\"\r\n");
 }
 
+TEST_F(TableExportTest, AGraphIsExportedWithTheColumnsOfATable)
+{
+    ZRLoggerInfo info = Info({u"M.U", u"M.E", u"M.PF"});
+    info.Lock();
+    ZRGraphProfile curves;
+    const auto add = [&](const wchar* name, int unit, int valueExponent, int decimals, int unitsExponent) {
+        ZRGraphProfile::CVariableProfile curve;
+        curve.Name = name;
+        curve.Title = u"Curve";
+        curve.MeasureUnits = unit;
+        curve.ValueExponent = valueExponent;
+        curve.Decimals = decimals;
+        curve.UnitsExponent = unitsExponent;
+        curves.AddVariable(curve);
+    };
+    add(u"M.E", 8, 0, 2, 3);
+    add(u"M.GONE", 1, 0, 0, 0);
+    add(u"M.U", 1, -1, 1, 0);
+    ExportedTable table;
+    SetColumns(table, curves, info);
+    EXPECT_EQ(table.titles, (std::vector<std::string>{"Date and time", "M Energy (kWh)", "M Voltage (V)"}));
+    Record(u"M.U", kDay, 2301);
+    Record(u"M.E", kDay, 12340);
+    table.group = &LoadDay(info);
+    table.zone = TimeZone(3600, {});
+    ASSERT_TRUE(WriteCsv(table, folder / "graph.csv", reason)) << reason;
+    EXPECT_EQ(folder.Read("graph.csv"),
+              "Date and time,M Energy (kWh),M Voltage (V)\r\n"
+              "2002-12-30T00:00:00+01:00,12.34,230.1\r\n");
+}
+
 TEST_F(TableExportTest, TellsWhyAFileWasNotWritten)
 {
     RecordVoltages(kDay, {2301});

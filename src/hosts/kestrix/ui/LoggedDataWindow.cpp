@@ -5,6 +5,7 @@
 #include "hosts/kestrix/ui/UiTexts.h"
 #include "logger/FormatDateTime.h"
 #include "logger/SuiteKey.h"
+#include "logger/ui/ZRVirtualLoggerDataGraphicViewer.h"
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 #include "platform/FileReplace.h"
 #include "platform/ui/AfxMessageBox.h"
@@ -30,6 +31,16 @@ ZRBasicString DateText(const ZRDateTime& date)
 {
     ZRBasicString text;
     return FormatDateTime(text, date, LocaleInformationWide(), kPad | kDateInNumbers);
+}
+
+// Of a time in UTC, microseconds since 1970.
+ZRBasicString TimeText(std::int64_t time)
+{
+    constexpr std::int64_t kMicros = 1000000;
+    constexpr std::int64_t kEpoch = 946684800;  // of ZRDateTime, seconds since 1970
+    ZRBasicString text;
+    const ZRDateTime local(static_cast<std::uint32_t>(PlantZone().ToLocal(time / kMicros) - kEpoch), 0);
+    return FormatDateTime(text, local, LocaleInformationWide(), RowTimeFlags(kGroupByMonth));
 }
 
 // Wide enough for the time of any unit, unless the user has chosen a width before.
@@ -109,6 +120,9 @@ bool LoggedDataWindow::InitializeToolBar()
     add(kCommandCopy, "copy", kTextLoggedCopy);
     add(ui::ID_FILE_PRINT_PREVIEW, "pagesetup", kTextLoggedPreview);
     add(kLoggedExport, "save", kTextLoggedExport);
+    ToolBar().AddSeparator();
+    add(kLoggedGraph, "graph", kTextLoggedGraph);
+    add(kLoggedTable, "table", kTextLoggedTable);
     return true;
 }
 
@@ -129,6 +143,8 @@ void LoggedDataWindow::MakeShortcuts()
     add(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P), [this] { OnFilePrintPreview(); });
     add(QKeySequence(Qt::CTRL | Qt::Key_E), [this] { AskWhereToExport(); });
     add(QKeySequence(Qt::Key_F5), [this] { Reload(); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_1), [this] { ShowAs(kGraphViewer); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_2), [this] { ShowAs(kTableViewer); });
 }
 
 bool LoggedDataWindow::OnCommand(unsigned id, unsigned code, QWidget* from)
@@ -137,7 +153,34 @@ bool LoggedDataWindow::OnCommand(unsigned id, unsigned code, QWidget* from)
         AskWhereToExport();
         return true;
     }
+    if (id == kLoggedGraph || id == kLoggedTable) {
+        ShowAs(id == kLoggedGraph ? kGraphViewer : kTableViewer);
+        return true;
+    }
     return ZRVirtualLoggerDataExplorer::OnCommand(id, code, from);
+}
+
+bool LoggedDataWindow::OnNotify(const ui::NMHDR& notice)
+{
+    if (notice.idFrom == ui::kGraphId && notice.code == ui::GRN_SHOWN) {
+        // While a viewer is made or gets other data it is not told yet what they are.
+        if (const auto* const graph = GraphViewer(); !graph->isHidden() && !graph->Graph().invalidData) {
+            OnShown();
+        }
+        return true;
+    }
+    return ZRVirtualLoggerDataExplorer::OnNotify(notice);
+}
+
+ZRVirtualLoggerDataGraphicViewer* LoggedDataWindow::GraphViewer() const
+{
+    return dynamic_cast<ZRVirtualLoggerDataGraphicViewer*>(Viewer());
+}
+
+void LoggedDataWindow::ShowAs(int kind)
+{
+    // The store may have gone on since; what another viewer shows of the same window is what was read for the first.
+    SelectViewer(kind, Reading::WhereNeeded);
 }
 
 void LoggedDataWindow::OnSize(int width, int height)
@@ -185,19 +228,44 @@ void LoggedDataWindow::TellFailure(const std::string& failure)
     m_toldFailure = failure;
 }
 
+QString LoggedDataWindow::RecordsText()
+{
+    if (const auto* const graph = GraphViewer()) {
+        // It tells how curves are reduced.
+        if (const ZRBasicString text = graph->Graph().StatusText(); !text.IsEmpty()) {
+            return ToQt(text);
+        }
+    }
+    const int count = Data()->RecordGroup(PeriodShown(), nullptr).count;
+    return count == 1 ? LoadText(kTextLoggedOneRecord) : FilledText(kTextLoggedRecords, {count});
+}
+
+QString LoggedDataWindow::ZoomText()
+{
+    const auto* const graph = GraphViewer();
+    if (graph == nullptr || graph->Graph().zoomHistory.empty()) {
+        return {};
+    }
+    const graph::Zoom zoom = graph->Graph().InView();
+    return FilledText(kTextLoggedZoomed, {TimeText(zoom.from), TimeText(zoom.to)});
+}
+
 void LoggedDataWindow::OnShown()
 {
-    const auto* const table = dynamic_cast<const ZRVirtualLoggerDataTableViewer*>(Viewer());
-    if (table == nullptr) {
+    ToolBar().CheckButton(kLoggedGraph, SelectedViewer() == kGraphViewer);
+    ToolBar().CheckButton(kLoggedTable, SelectedViewer() == kTableViewer);
+    if (Viewer() == nullptr) {
         m_status->Show({});
         return;
     }
-    const int count = table->Table().Count();
     const LoggerWindow& window = Window();
     ZRDateTime lastDay = window.dateTo;
     lastDay.seconds -= 1;
-    QStringList parts{count == 1 ? LoadText(kTextLoggedOneRecord) : FilledText(kTextLoggedRecords, {count}),
-                      FilledText(kTextLoggedWindow, {DateText(window.dateFrom), DateText(lastDay)}), PeriodText()};
+    QStringList parts{RecordsText(), FilledText(kTextLoggedWindow, {DateText(window.dateFrom), DateText(lastDay)}),
+                      PeriodText()};
+    if (const QString zoom = ZoomText(); !zoom.isEmpty()) {
+        parts << zoom;
+    }
     const LoadTrouble trouble = LoadTrouble::Of(*Data(), WasLoadStopped());
     TellFailure(trouble.failure);
     const LoadTroubleText told = Describe(trouble);
@@ -216,18 +284,12 @@ QString LoggedDataWindow::Status() const
 
 ExportedTable LoggedDataWindow::Table()
 {
-    LoggerTable& shown = dynamic_cast<ZRVirtualLoggerDataTableViewer&>(*Viewer()).Table();
-    ZRBasicString time;
     ExportedTable table;
-    table.titles = {Utf16ToUtf8(ZRLoadString(kTextTimeColumn, time))};
-    const std::vector<ValueColumn> values = FindValueColumns(shown.Profile(), shown.LoggerInfo(), MatchBy::Name);
-    auto record = shown.Profile().VarsBegin();
-    for (const ValueColumn& value : values) {
-        if (value.position >= 0) {
-            table.titles.push_back(Utf16ToUtf8(HeaderText(**record)));
-            table.values.push_back(value);
-        }
-        ++record;
+    if (auto* const graph = GraphViewer()) {
+        SetColumns(table, graph->Layout().Profile(), graph->Layout().LoggerInfo());
+    } else {
+        LoggerTable& shown = dynamic_cast<ZRVirtualLoggerDataTableViewer&>(*Viewer()).Table();
+        SetColumns(table, shown.Profile(), shown.LoggerInfo());
     }
     table.group = &Data()->RecordGroup(PeriodShown(), nullptr);
     table.zone = PlantZone();

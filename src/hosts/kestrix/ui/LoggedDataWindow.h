@@ -7,12 +7,16 @@
 
 #include <filesystem>
 
+class ZRVirtualLoggerDataGraphicViewer;
+
 namespace zr::desktop {
 
 class StatusLine;
 
 inline constexpr unsigned kLoggedPrint = 33201;
 inline constexpr unsigned kLoggedExport = 33202;
+inline constexpr unsigned kLoggedGraph = 33203;
+inline constexpr unsigned kLoggedTable = 33204;
 inline constexpr unsigned kLoggedStatus = 33210;
 
 // The explorer with buttons to copy, print and export, keys for its commands, and a line that tells how many records of
@@ -27,7 +31,11 @@ public:
     // The viewer that was in use last, else the table, on the unit and period that the user chose last. Blocks while
     // data are loaded.
     void Open(const ZRLoggerInfo& info);
-    // By the extension: .csv, .xlsx or .pdf. False after the user was told why not.
+    // Table or graph, by the number of the viewer. Records that are at hand for the window of time are not read again:
+    // both show the same ones until the user asks for a new reading or another window.
+    void ShowAs(int kind);
+    // The records shown, whether as table or as graph. By the extension: .csv, .xlsx or .pdf. False after the user was
+    // told why not.
     bool ExportTo(const std::filesystem::path& file);
     [[nodiscard]] QString Status() const;
 
@@ -38,6 +46,7 @@ protected:
     void OnSize(int width, int height) override;
     void OnDestroy() override;
     bool OnCommand(unsigned id, unsigned code, QWidget* from) override;
+    bool OnNotify(const ui::NMHDR& notice) override;
 
 private:
     void MakeShortcuts();
@@ -45,6 +54,11 @@ private:
     [[nodiscard]] ExportedTable Table();
     [[nodiscard]] ZRDateTimeSpan PeriodShown();
     [[nodiscard]] QString PeriodText();
+    // Null while it isn't shown.
+    [[nodiscard]] ZRVirtualLoggerDataGraphicViewer* GraphViewer() const;
+    // Of the graph, where it is zoomed in; else empty.
+    [[nodiscard]] QString ZoomText();
+    [[nodiscard]] QString RecordsText();
     // Into the list of warnings, once for each failure.
     void TellFailure(const std::string& failure);
 

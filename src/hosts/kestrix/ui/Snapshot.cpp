@@ -79,6 +79,24 @@ public:
         }
     }
 
+    // The logged data of the first device of each type as a graph. Nothing where nothing is recorded.
+    void TakeGraphs()
+    {
+        const DeviceTree& tree = m_frame.Tree().Tree();
+        std::set<ZRBasicString> types;
+        for (std::size_t node = 0; node < tree.Size(); ++node) {
+            if (tree[node].kind != DeviceTree::Kind::Device ||
+                LoggedVariables(tree.DevicesOf(node)).variables.empty()) {
+                continue;
+            }
+            const DeviceWatch* const watch = m_frame.Watch().Find(tree[node].text);
+            const ZRBasicString type = watch != nullptr ? watch->Driver().DriverType() : u"";
+            if (types.insert(type).second) {
+                TakeGraph(node, "logged-graph-" + Utf16ToUtf8(type));
+            }
+        }
+    }
+
     void SetSuffix(const std::string& suffix) { m_suffix = suffix; }
     [[nodiscard]] const std::string& Problem() const { return m_problem; }
 
@@ -90,6 +108,20 @@ private:
         SelectFirstValue();
         Settle();
         Save(m_frame.grab(), name);
+    }
+
+    void TakeGraph(std::size_t node, const std::string& name)
+    {
+        const QPointer<LoggedDataWindow> window = m_frame.OpenLoggedData(node);
+        if (window == nullptr) {
+            return;
+        }
+        window->ShowAs(logger::kGraphViewer);
+        Settle();
+        Save(window->grab(), name);
+        // The next picture begins with the table again.
+        window->ShowAs(logger::kTableViewer);
+        delete window;
     }
 
     void TakeTable(LoggedDataWindow& window)
@@ -198,6 +230,7 @@ bool SaveSnapshots(MainFrame& frame, const std::filesystem::path& folder, std::s
         camera.TakePages();
         camera.TakeDialogs();
         camera.TakeLoggedData();
+        camera.TakeGraphs();
     }
     problem = camera.Problem();
     return problem.empty();

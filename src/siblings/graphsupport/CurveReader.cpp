@@ -36,16 +36,36 @@ double CurveReader::ValueOf(std::size_t record)
     return ShownValue(piece.values[row + static_cast<std::size_t>(m_column.column)], m_column);
 }
 
+template <typename Visit>
+void CurveReader::ForRows(std::size_t begin, std::size_t end, const Visit& visit)
+{
+    const std::size_t apart = m_records.ValuesOfRecord();
+    while (begin < end && m_hasSamples) {
+        const RecordPiece& piece = m_times.PieceOf(begin);
+        const std::size_t skipped = begin - piece.first;
+        const std::size_t rows = std::min(end - begin, piece.size - skipped);
+        visit(piece.values + skipped * apart + static_cast<std::size_t>(m_column.column), rows, apart);
+        begin += rows;
+    }
+}
+
 ValueRange CurveReader::RangeOf(std::size_t begin, std::size_t end)
 {
     const std::size_t firstBlock = AlignedUp(begin, kBlock) / kBlock;
     const std::size_t lastBlock = end / kBlock;
+    ValueRange range;
+    const auto add = [&](std::size_t from, std::size_t to) {
+        ForRows(from, to, [&](const LoggedValue* rows, std::size_t count, std::size_t apart) {
+            range.Add(RangeOfRows(rows, count, apart, m_column));
+        });
+    };
     if (firstBlock >= lastBlock) {
-        return Scan(begin, end).range;
+        add(begin, end);
+        return range;
     }
-    ValueRange range = Scan(begin, firstBlock * kBlock).range;
+    add(begin, firstBlock * kBlock);
     range.Add(Blocks(firstBlock, lastBlock));
-    range.Add(Scan(lastBlock * kBlock, end).range);
+    add(lastBlock * kBlock, end);
     return range;
 }
 
@@ -72,24 +92,6 @@ ValueRange CurveReader::Blocks(std::size_t begin, std::size_t end) const
         end = last / kFanOut;
     }
     return range;
-}
-
-RowScan CurveReader::Scan(std::size_t begin, std::size_t end)
-{
-    RowScan all;
-    const std::size_t apart = m_records.ValuesOfRecord();
-    while (begin < end && m_hasSamples) {
-        const RecordPiece& piece = m_times.PieceOf(begin);
-        const std::size_t skipped = begin - piece.first;
-        const std::size_t rows = std::min(end - begin, piece.size - skipped);
-        const RowScan scan =
-            ScanRows(piece.values + skipped * apart + static_cast<std::size_t>(m_column.column), rows, apart, m_column);
-        all.range.Add(scan.range);
-        all.sum += scan.sum;
-        all.count += scan.count;
-        begin += rows;
-    }
-    return all;
 }
 
 bool CurveReader::IsEmpty(std::size_t level, std::size_t block) const
@@ -211,9 +213,11 @@ SampleLevels::Tally CurveReader::TallyOf(std::size_t begin, std::size_t end)
 {
     SampleLevels::Tally tally{0.0, 0};
     const auto scan = [&](std::size_t first, std::size_t last) {
-        const RowScan part = Scan(first, last);
-        tally.sum += part.sum;
-        tally.count += part.count;
+        ForRows(first, last, [&](const LoggedValue* rows, std::size_t count, std::size_t apart) {
+            const RowScan part = ScanRows(rows, count, apart, m_column);
+            tally.sum += part.sum;
+            tally.count += part.count;
+        });
     };
     const std::size_t first = AlignedUp(begin, kTally);
     const std::size_t last = end / kTally * kTally;

@@ -42,7 +42,9 @@ public:
     SampleLevels::Tally TallyOf(std::size_t begin, std::size_t end);
 
 private:
-    RowScan Scan(std::size_t begin, std::size_t end);
+    // The values of the column in records [begin, end), piece by piece: the first, how many, and how far apart.
+    template <typename Visit>
+    void ForRows(std::size_t begin, std::size_t end, const Visit& visit);
     [[nodiscard]] ValueRange Blocks(std::size_t begin, std::size_t end) const;
     [[nodiscard]] bool IsEmpty(std::size_t level, std::size_t block) const;
 

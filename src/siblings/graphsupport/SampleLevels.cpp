@@ -21,21 +21,56 @@ std::size_t DividedUp(std::size_t value, std::size_t divisor)
     return (value + divisor - 1) / divisor;
 }
 
-// Samples that aren't finite spoil the result; whoever calls looks for that.
+// Of rows that are all valid; sum or range aren't finite where a value isn't. Two at a time: one alone would wait for
+// the addition before.
 template <bool isFolded>
-RowScan ScanFinite(const LoggedValue* value, std::size_t rows, std::size_t apart, double factor)
+RowScan ScanValid(const LoggedValue* value, std::size_t rows, std::size_t apart, double factor)
 {
-    RowScan scan;
-    for (std::size_t r = 0; r < rows; ++r, value += apart) {
-        const bool isSample = value->valid != 0;
-        const double shown = isSample ? value->value * factor : kNone;
-        const double drawn = isFolded ? Fold(shown) : shown;
-        // Comparisons with what is no number are false.
-        scan.range.Add(drawn);
-        scan.sum += shown == shown ? shown * SampleLevels::kSumScale : 0.0;
-        scan.count += shown == shown ? 1U : 0U;
+    RowScan even;
+    RowScan odd;
+    const auto add = [factor](RowScan& scan, double stored) {
+        const double shown = stored * factor;
+        scan.range.Add(isFolded ? Fold(shown) : shown);
+        scan.sum += shown * SampleLevels::kSumScale;
+    };
+    std::size_t r = 0;
+    for (; r + 1 < rows; r += 2, value += 2 * apart) {
+        add(even, value[0].value);
+        add(odd, value[apart].value);
     }
-    return scan;
+    if (r < rows) {
+        add(even, value->value);
+    }
+    even.range.Add(odd.range);
+    even.sum += odd.sum;
+    even.count = rows;
+    return even;
+}
+
+bool AreValid(const LoggedValue* value, std::size_t rows, std::size_t apart)
+{
+    unsigned invalid = 0;
+    for (std::size_t r = 0; r < rows; ++r) {
+        invalid += value[r * apart].valid == 0 ? 1U : 0U;
+    }
+    return invalid == 0;
+}
+
+template <bool isFolded>
+ValueRange RangeOfValid(const LoggedValue* value, std::size_t rows, std::size_t apart, double factor)
+{
+    ValueRange range;
+    for (std::size_t r = 0; r < rows; ++r, value += apart) {
+        const double shown = value->valid != 0 ? value->value * factor : kNone;
+        // Comparisons with what is no number are false.
+        range.Add(isFolded ? Fold(shown) : shown);
+    }
+    return range;
+}
+
+bool IsFinite(const ValueRange& range)
+{
+    return range.low > -kInfinity && range.high < kInfinity;
 }
 
 RowScan ScanAny(const LoggedValue* value, std::size_t rows, std::size_t apart, const CurveColumn& curve)
@@ -94,10 +129,21 @@ double ShownValue(const LoggedValue& value, const CurveColumn& curve)
 
 RowScan ScanRows(const LoggedValue* value, std::size_t rows, std::size_t apart, const CurveColumn& curve)
 {
-    const RowScan scan = curve.isFolded ? ScanFinite<true>(value, rows, apart, curve.factor)
-                                        : ScanFinite<false>(value, rows, apart, curve.factor);
-    const bool isFinite = scan.range.low > -kInfinity && scan.range.high < kInfinity;
-    return isFinite ? scan : ScanAny(value, rows, apart, curve);
+    if (AreValid(value, rows, apart)) {
+        const RowScan scan = curve.isFolded ? ScanValid<true>(value, rows, apart, curve.factor)
+                                            : ScanValid<false>(value, rows, apart, curve.factor);
+        if (std::isfinite(scan.sum) && IsFinite(scan.range)) {
+            return scan;
+        }
+    }
+    return ScanAny(value, rows, apart, curve);
+}
+
+ValueRange RangeOfRows(const LoggedValue* value, std::size_t rows, std::size_t apart, const CurveColumn& curve)
+{
+    const ValueRange range = curve.isFolded ? RangeOfValid<true>(value, rows, apart, curve.factor)
+                                            : RangeOfValid<false>(value, rows, apart, curve.factor);
+    return IsFinite(range) ? range : ScanAny(value, rows, apart, curve).range;
 }
 
 std::size_t SampleLevels::Place(std::size_t records, std::size_t curves, std::vector<std::size_t>& starts,

@@ -75,6 +75,8 @@ struct RowScan {
 };
 // Values stand so many apart.
 RowScan ScanRows(const LoggedValue* value, std::size_t rows, std::size_t apart, const CurveColumn& curve);
+// The range alone, quicker.
+ValueRange RangeOfRows(const LoggedValue* value, std::size_t rows, std::size_t apart, const CurveColumn& curve);
 
 // As drawn; not a number where it isn't a sample.
 double ShownValue(const LoggedValue& value, const CurveColumn& curve);

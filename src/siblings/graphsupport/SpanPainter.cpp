@@ -65,14 +65,21 @@ Rows RowsOf(const PixelArea& area, float top, float bottom)
             static_cast<int>(std::clamp(std::ceil(bottom), 0.0F, height))};
 }
 
-// How much of a row lies below a slanting edge, from 0 to 1: the edge's middle, and 1 / its height, at most 1.
-struct Slant {
-    float middle = 0.0F;
-    float steepness = 0.0F;  // 0: there is no edge
+// One edge of a stroke within a column: slants side by side, each from one place to the next.
+struct Slants {
+    std::array<float, kPlaces> middles{};
+    std::array<float, kPlaces> steepness{};  // 1 / height, at most 1; 0: there is none
+    float first = kNever;                    // the uppermost row
+    float last = -kNever;                    // the lowest one
 
-    [[nodiscard]] float Below(float rowMiddle) const
+    static constexpr float kNever = 1e9F;
+
+    void Set(std::size_t i, float one, float other)
     {
-        return std::clamp((rowMiddle - middle) * steepness + 0.5F, 0.0F, 1.0F);
+        middles[i] = (one + other) * 0.5F;
+        steepness[i] = 1.0F / std::max(std::abs(other - one), 1.0F);
+        first = std::min({first, one, other});
+        last = std::max({last, one, other});
     }
 };
 
@@ -86,45 +93,42 @@ public:
                 m_isWhole = false;
                 continue;
             }
-            Add(edges.top[i], edges.top[i + 1], m_tops[m_count], m_firstTop, m_lastTop);
-            Add(-edges.bottom[i], -edges.bottom[i + 1], m_bottoms[m_count], m_firstBottom, m_lastBottom);
-            ++m_count;
+            m_tops.Set(i, edges.top[i], edges.top[i + 1]);
+            m_bottoms.Set(i, -edges.bottom[i], -edges.bottom[i + 1]);
         }
     }
 
-    [[nodiscard]] bool IsEmpty() const { return m_count == 0; }
-    [[nodiscard]] float Top() const { return m_firstTop; }
-    [[nodiscard]] float Bottom() const { return m_lastBottom; }
+    [[nodiscard]] bool IsEmpty() const { return m_tops.first > m_bottoms.last; }
+    [[nodiscard]] float Top() const { return m_tops.first; }
+    [[nodiscard]] float Bottom() const { return m_bottoms.last; }
     // Between these every pixel is covered, if the first comes before the second.
-    [[nodiscard]] float FullTop() const { return m_isWhole ? m_lastTop : m_lastBottom; }
-    [[nodiscard]] float FullBottom() const { return m_firstBottom; }
+    [[nodiscard]] float FullTop() const { return m_isWhole ? m_tops.last : m_bottoms.last; }
+    [[nodiscard]] float FullBottom() const { return m_bottoms.first; }
 
+    // The part of a row that is below the upper edge and above the lower one.
     [[nodiscard]] float Coverage(int row) const
     {
         const float middle = static_cast<float>(row) + 0.5F;
-        float covered = 0.0F;
-        for (std::size_t i = 0; i < m_count; ++i) {
-            covered += m_tops[i].Below(middle) - m_bottoms[i].Below(middle);
+        std::array<float, kPlaces> covered{};
+        for (std::size_t i = 0; i < kPlaces; ++i) {
+            const float belowTop = Held((middle - m_tops.middles[i]) * m_tops.steepness[i]);
+            const float belowBottom = Held((middle - m_bottoms.middles[i]) * m_bottoms.steepness[i]);
+            covered[i] = belowTop - belowBottom;
         }
-        return std::clamp(covered / static_cast<float>(kPlaces), 0.0F, 1.0F);
+        const float sum = (covered[0] + covered[1]) + (covered[2] + covered[3]);
+        return std::clamp(sum / static_cast<float>(kPlaces), 0.0F, 1.0F);
     }
 
 private:
-    static void Add(float one, float other, Slant& slant, float& first, float& last)
+    static float Held(float part)
     {
-        slant = {(one + other) * 0.5F, 1.0F / std::max(std::abs(other - one), 1.0F)};
-        first = std::min({first, one, other});
-        last = std::max({last, one, other});
+        const float least = part < -0.5F ? -0.5F : part;
+        return least > 0.5F ? 0.5F : least;
     }
 
-    std::array<Slant, kPlaces> m_tops;
-    std::array<Slant, kPlaces> m_bottoms;
-    std::size_t m_count = 0;
+    Slants m_tops;
+    Slants m_bottoms;
     bool m_isWhole = true;
-    float m_firstTop = 2.0F * kOutside * kWhole;
-    float m_lastTop = -m_firstTop;
-    float m_firstBottom = m_firstTop;
-    float m_lastBottom = -m_firstTop;
 };
 
 // Where in a column the dashes are: the curve's way through it.
@@ -185,9 +189,15 @@ public:
             const std::size_t column = first + i;
             const bool isPast = column < reach || column - reach >= static_cast<std::size_t>(m_area.width);
             const std::size_t inPiece = std::clamp(i, reach, reach + piece.size() - 1) - reach;
+            if (m_pattern.IsSolid()) {
+                if (!isPast) {
+                    PaintSolid(column - reach, StrokeColumn(m_outline.Of(i)));
+                }
+                continue;
+            }
             const DashedColumn dashes(m_pattern, piece[inPiece], m_way, IsRising(piece, inPiece));
             if (!isPast) {
-                PaintColumn(column - reach, StrokeColumn(m_outline.Of(i)), dashes);
+                PaintDashed(column - reach, StrokeColumn(m_outline.Of(i)), dashes);
             }
             if (i >= reach && i < reach + piece.size()) {
                 m_way += dashes.Length();
@@ -203,7 +213,7 @@ private:
         return column > 0 ? middle(column) < middle(column - 1) : piece.size() > 1 && middle(1) < middle(0);
     }
 
-    void PaintColumn(std::size_t column, const StrokeColumn& stroke, const DashedColumn& dashes)
+    void PaintSolid(std::size_t column, const StrokeColumn& stroke)
     {
         if (stroke.IsEmpty()) {
             return;
@@ -212,17 +222,27 @@ private:
         const Rows rows = RowsOf(m_area, stroke.Top(), stroke.Bottom());
         // The wholly covered rows are most of a tall column.
         const Rows full = RowsOf(m_area, std::ceil(stroke.FullTop()), std::floor(stroke.FullBottom()));
-        const bool hasFull = m_pattern.IsSolid() && full.begin < full.end;
-        const auto paint = [&](int begin, int end) {
-            for (int row = begin; row < end; ++row) {
-                const float part = m_pattern.IsSolid() ? 1.0F : dashes.DrawnPart(row);
-                m_ink.Blend(top[row * m_area.stride], stroke.Coverage(row) * part);
-            }
-        };
-        paint(rows.begin, hasFull ? full.begin : rows.end);
+        const bool hasFull = full.begin < full.end;
+        for (int row = rows.begin; row < (hasFull ? full.begin : rows.end); ++row) {
+            m_ink.Blend(top[row * m_area.stride], stroke.Coverage(row));
+        }
         if (hasFull) {
             m_ink.Fill(top + full.begin * m_area.stride, full.end - full.begin, m_area.stride);
-            paint(full.end, rows.end);
+            for (int row = full.end; row < rows.end; ++row) {
+                m_ink.Blend(top[row * m_area.stride], stroke.Coverage(row));
+            }
+        }
+    }
+
+    void PaintDashed(std::size_t column, const StrokeColumn& stroke, const DashedColumn& dashes)
+    {
+        if (stroke.IsEmpty()) {
+            return;
+        }
+        std::uint32_t* const top = m_area.pixels + column;
+        const Rows rows = RowsOf(m_area, stroke.Top(), stroke.Bottom());
+        for (int row = rows.begin; row < rows.end; ++row) {
+            m_ink.Blend(top[row * m_area.stride], stroke.Coverage(row) * dashes.DrawnPart(row));
         }
     }
 

@@ -32,6 +32,20 @@ void TraceColumn(float left, float tip, float right, float* places)
     }
 }
 
+// Where a curve begins at the outer edge of the last column of a piece, by the next column inwards: at the far end of a
+// span that it runs through once, else anywhere in it.
+RowSpan OuterEdge(const RowSpan& last, const RowSpan& inner)
+{
+    const float height = last.bottom - last.top;
+    if (inner.top > last.bottom - height / 4.0F) {
+        return {last.top, last.top};
+    }
+    if (inner.bottom < last.top + height / 4.0F) {
+        return {last.bottom, last.bottom};
+    }
+    return last;
+}
+
 }  // namespace
 
 StrokeOutline::StrokeOutline(int penWidth)
@@ -55,14 +69,17 @@ void StrokeOutline::Trace(std::span<const RowSpan> piece)
 
 void StrokeOutline::TraceCurve(std::span<const RowSpan> piece, float sign)
 {
-    const auto tipOf = [&](std::size_t i) { return sign > 0.0F ? piece[i].top : -piece[i].bottom; };
-    m_curve.assign((piece.size() + 2 * m_reach) * kPlaces + 1, kNowhere);
+    const auto edgeOf = [sign](const RowSpan& span) { return sign > 0.0F ? span.top : -span.bottom; };
+    const std::size_t count = piece.size();
+    const RowSpan begin = count > 1 ? OuterEdge(piece[0], piece[1]) : piece[0];
+    const RowSpan end = count > 1 ? OuterEdge(piece[count - 1], piece[count - 2]) : piece[0];
+    m_curve.assign((count + 2 * m_reach) * kPlaces + 1, kNowhere);
     float* places = m_curve.data() + m_reach * kPlaces;
-    float left = tipOf(0);
-    for (std::size_t i = 0; i < piece.size(); ++i, places += kPlaces) {
-        const float tip = tipOf(i);
+    float left = edgeOf(begin);
+    for (std::size_t i = 0; i < count; ++i, places += kPlaces) {
+        const float tip = edgeOf(piece[i]);
         // On the edge between two columns is what both hold.
-        const float right = i + 1 < piece.size() ? std::max(tip, tipOf(i + 1)) : tip;
+        const float right = i + 1 < count ? std::max(tip, edgeOf(piece[i + 1])) : edgeOf(end);
         TraceColumn(left, tip, right, places);
         left = right;
     }

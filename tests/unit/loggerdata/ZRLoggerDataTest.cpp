@@ -469,5 +469,51 @@ TEST_F(ZRLoggerDataTest, DamageIsToldWhateverIsReadAfterIt)
     EXPECT_EQ(data.Damage(), std::vector<std::string>());
 }
 
+TEST_F(ZRLoggerDataTest, AGroupTellsThePeriodThatItWasBuiltAt)
+{
+    SetVariables({u"M.U", u"M.I"});
+    RecordMinutes(u"M.U", VariableClass::Instantaneous, Date(1, 12, 2002), 3);
+    const auto& group = Select(Date(1, 12, 2002), Date(2, 12, 2002), kQuarter);
+    EXPECT_EQ(group.Period(), kQuarter);
+    EXPECT_EQ(group.ValuesOfRecord(), 2u);
+    EXPECT_EQ(Select(Date(1, 12, 2002), Date(2, 12, 2002), kRecorded).Period(), kRecorded);
+}
+
+TEST_F(ZRLoggerDataTest, APeriodEndsAtTheNextCutBeItBeyondTheRange)
+{
+    SetVariables({u"M.U"});
+    struct Row {
+        ZRDateTimeSpan period;
+        ZRDateTime begin;
+        ZRDateTime end;
+    };
+    for (const Row& row :
+         {Row{kQuarter, Date(1, 12, 2002, 8), Date(1, 12, 2002, 8, 15)},
+          Row{kQuarter, Date(1, 12, 2002, 8, 7), Date(1, 12, 2002, 8, 15)},
+          Row{kHour, Date(31, 12, 2002, 23), Date(1, 1, 2003)},
+          Row{ZRDateTimeSpan(7 * 3600, 0), Date(1, 12, 2002, 21), Date(2, 12, 2002)},
+          Row{kDay, Date(5, 12, 2002), Date(6, 12, 2002)}, Row{kMonth, Date(1, 12, 2002), Date(1, 1, 2003)},
+          Row{kMonth, Date(1, 2, 2003), Date(1, 3, 2003)}, Row{kRecorded, Date(5, 12, 2002), Date(5, 12, 2002)}}) {
+        const auto& group = Select(Date(1, 12, 2002), Date(2, 12, 2002), row.period);
+        EXPECT_EQ(group.EndOfPeriod(Micros(row.begin)), Micros(row.end)) << row.period.seconds;
+    }
+}
+
+TEST_F(ZRLoggerDataTest, APeriodEndsWithTheClockOfThePlant)
+{
+    SetPlantZone(Paris());
+    SetVariables({u"M.U"});
+    const auto endAfter = [this](const ZRDateTimeSpan& period, const ZRDateTime& utc) {
+        const auto& group = Select(Date(1, 10, 2002), Date(2, 10, 2002), period);
+        return (group.EndOfPeriod(Micros(utc)) - Micros(utc)) / (3600 * kMicros);
+    };
+    // 27 October 2002 has 25 hours, from 22:00 UTC on the day before; the hour that occurs twice is cut twice.
+    EXPECT_EQ(endAfter(kDay, Date(26, 10, 2002, 22)), 25);
+    EXPECT_EQ(endAfter(kHour, Date(27, 10, 2002, 0)), 1);
+    EXPECT_EQ(endAfter(kHour, Date(27, 10, 2002, 1)), 1);
+    EXPECT_EQ(endAfter(ZRDateTimeSpan(3 * 3600, 0), Date(26, 10, 2002, 22)), 4);
+    EXPECT_EQ(endAfter(kMonth, Date(30, 9, 2002, 22)), 31 * 24 + 1);
+}
+
 }  // namespace
 }  // namespace zr

@@ -52,18 +52,20 @@ MarkerReading ReadBetween(const GraphState& state, int number, Zoom between)
     return reading;
 }
 
-// The end of the last record in view: of the last bar or step the time at which it begins.
+// The time of the last record in view, found by halving.
 std::optional<std::int64_t> LastInView(const GraphState& state)
 {
     const Zoom view = state.view.InView();
-    std::optional<std::int64_t> last;
-    for (std::size_t i = 0; i < state.curves.curves.size(); ++i) {
-        const std::optional<CurvePoint> sample = state.data.SampleAt(i, view.to - 1);
-        if (sample && sample->time < view.to && (!last || sample->time > *last)) {
-            last = sample->time;
-        }
+    if (state.data.Records(view.from, view.to) == 0) {
+        return std::nullopt;
     }
-    return last;
+    std::int64_t from = view.from;
+    std::int64_t to = view.to;
+    while (to - from > 1) {
+        const std::int64_t middle = from + (to - from) / 2;
+        (state.data.Records(middle, view.to) > 0 ? from : to) = middle;
+    }
+    return from;
 }
 
 }  // namespace

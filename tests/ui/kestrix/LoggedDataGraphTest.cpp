@@ -27,10 +27,18 @@ protected:
         StartWithData();
         LoggedDataWindow* const window = OpenFor(u"METER-1");
         EXPECT_NE(window, nullptr);
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
         ShowAll(*window);
         window->ShowAs(kGraphViewer);
         Settle();
         return *window;
+    }
+    // Where the focus is; the window has the keys again before, as a user waits for it.
+    static void Press(LoggedDataWindow& window, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+        ASSERT_EQ(QApplication::focusWidget(), &Viewer(window).Graph());
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
     }
     static QToolButton& Button(LoggedDataWindow& window, unsigned id)
     {
@@ -49,7 +57,7 @@ TEST_F(LoggedDataGraphTest, SwitchesByKeysAndShowsWhichIsOn)
     EXPECT_EQ(window->SelectedViewer(), kGraphViewer);
     EXPECT_TRUE(Button(*window, kLoggedGraph).isChecked());
     EXPECT_FALSE(Button(*window, kLoggedTable).isChecked());
-    QTest::keyClick(&Viewer(*window).Graph(), Qt::Key_2, Qt::ControlModifier);
+    Press(*window, Qt::Key_2, Qt::ControlModifier);
     EXPECT_EQ(window->SelectedViewer(), kTableViewer);
     EXPECT_TRUE(Button(*window, kLoggedTable).isChecked());
 }
@@ -77,7 +85,7 @@ TEST_F(LoggedDataGraphTest, SwitchingReadsNothingWhereNothingChangedAndF5Does)
     EXPECT_EQ(List(window).GetItemCount(), kRecords);
     window.ShowAs(kGraphViewer);
     EXPECT_EQ(blocks, 0);
-    QTest::keyClick(&Viewer(window).Graph(), Qt::Key_F5);
+    Press(window, Qt::Key_F5);
     EXPECT_GT(blocks, 0);
 }
 
@@ -110,8 +118,7 @@ TEST_F(LoggedDataGraphTest, TheStatusLineTellsOfRecordsAndZoom)
     EXPECT_NE(whole.find("40 records"), std::string::npos) << whole;
     EXPECT_EQ(whole.find("zoomed"), std::string::npos) << whole;
     ZRGraph& graph = Viewer(window).Graph();
-    graph.setFocus();
-    QTest::keyClick(&graph, Qt::Key_Plus);
+    Press(window, Qt::Key_Plus);
     Settle();
     ASSERT_FALSE(graph.zoomHistory.empty());
     const std::string zoomed = window.Status().toStdString();
@@ -152,7 +159,7 @@ TEST_F(LoggedDataGraphTest, CopiesAPictureByItsKey)
 {
     LoggedDataWindow& window = OpenGraph();
     QApplication::clipboard()->clear();
-    QTest::keyClick(&Viewer(window).Graph(), Qt::Key_C, Qt::ControlModifier);
+    Press(window, Qt::Key_C, Qt::ControlModifier);
     ASSERT_EQ(m_asked.size(), 1U);
     EXPECT_TRUE(QApplication::clipboard()->mimeData()->hasImage());
 }

@@ -246,6 +246,11 @@ void ZRVirtualLoggerDataExplorer::ShowNow()
 {
     UpdateCommands();
     OnShown();
+    CloseIfAsked();
+}
+
+void ZRVirtualLoggerDataExplorer::CloseIfAsked()
+{
     if (!m_isInCommand && std::exchange(m_closesLater, false)) {
         QMetaObject::invokeMethod(
             this, [this] { close(); }, Qt::QueuedConnection);
@@ -274,25 +279,31 @@ void ZRVirtualLoggerDataExplorer::UpdateCommands()
     }
 }
 
-// The loader waits for the dialog, and has ended when this returns, even where the program's end has taken the dialog's
-// loop away.
 void ZRVirtualLoggerDataExplorer::RunLoad(const std::function<void(zr::Progress&)>& work)
 {
+    m_wasLoadStopped = !RunUnderProgress(kTextLoading, work);
+}
+
+// The worker waits for the dialog, and has ended when this returns, even where the program's end has taken the dialog's
+// loop away.
+bool ZRVirtualLoggerDataExplorer::RunUnderProgress(unsigned title, const std::function<void(zr::Progress&)>& work)
+{
     CDlgProgress dialog(this);
-    const ZRBasicString title(Wide(kTextLoading));
+    const ZRBasicString titleText(Wide(title));
     m_loading = &dialog;
-    std::thread loader([&] {
+    std::thread worker([&] {
         dialog.WaitForWindow();
-        dialog.SetTitle(title);
+        dialog.SetTitle(titleText);
         dialog.SetText(kLoadingText);
         work(dialog);
         dialog.End(true);
     });
     dialog.DoModal();
-    m_wasLoadStopped = dialog.IsCancelled();
+    const bool wasStopped = dialog.IsCancelled();
     dialog.Cancel();
-    loader.join();
+    worker.join();
     m_loading = nullptr;
+    return !wasStopped;
 }
 
 bool ZRVirtualLoggerDataExplorer::ChooseDate(const COleDateTime& offered, ZRDateTime& chosen)

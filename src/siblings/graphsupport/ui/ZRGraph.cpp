@@ -474,10 +474,17 @@ void ZRGraph::changeEvent(QEvent* event)
     CWnd::changeEvent(event);
 }
 
+// Its own keys go before the shortcuts of the window that it is in, but for arrows that would move nothing.
+bool ZRGraph::IsOwnKey(const QKeyEvent& event) const
+{
+    const std::optional<zr::graph::GraphAction> action = zr::graph::ActionOf(event);
+    const bool isArrow = action == zr::graph::GraphAction::PanLeft || action == zr::graph::GraphAction::PanRight;
+    return action && !(isArrow && zoomHistory.empty());
+}
+
 bool ZRGraph::event(QEvent* event)
 {
-    // Its own keys go before the shortcuts of the window that it is in.
-    if (event->type() == QEvent::ShortcutOverride && zr::graph::ActionOf(*static_cast<QKeyEvent*>(event))) {
+    if (event->type() == QEvent::ShortcutOverride && IsOwnKey(*static_cast<QKeyEvent*>(event))) {
         event->accept();
         return true;
     }

@@ -85,7 +85,8 @@ LoggedDataWindow::LoggedDataWindow(QWidget* parent, const ZRBasicString& name, L
         Config() = m_settings->tree;
     }
     Create(parent);
-    resize(kFirstSize);
+    // All buttons are seen at first, however long their texts are.
+    resize(kFirstSize.expandedTo({ToolBar().sizeHint().width(), 0}));
     MakeShortcuts();
 }
 

@@ -46,7 +46,9 @@ void CReBar::Layout()
     const int needed = m_bar->sizeHint().width();
     m_bar->setGeometry(0, 0, needed, height());
     if (m_bar->layout() != nullptr) {
-        m_bar->layout()->activate();  // the places of the buttons are asked for below
+        // The places of the buttons are asked for below, maybe before the first event.
+        m_bar->layout()->invalidate();
+        m_bar->layout()->setGeometry(m_bar->rect());
     }
     const bool fits = needed <= width();
     const int room = fits ? width() : width() - m_chevron->sizeHint().width();

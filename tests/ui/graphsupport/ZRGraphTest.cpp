@@ -426,6 +426,9 @@ TEST_F(ZRGraphTest, TouchesNoRecordsWhileTheDataAreReplaced)
     Key(Qt::Key_Plus);
     graph->UndoZoom();
     graph->SetMode(0);
+    graph->SetDateText(&FormatDateTime);
+    QEvent otherLanguage(QEvent::LanguageChange);
+    QApplication::sendEvent(graph, &otherLanguage);
     EXPECT_FALSE(graph->CopyToClipboard(false));
     EXPECT_EQ(graph->RecordsPerColumn(), 0.0);
     parent.resize(650, 420);

@@ -89,7 +89,7 @@ public:
                                   -1});
     }
 
-    void PutEntry(const LegendEntry& entry, const Rect& place, std::optional<std::int64_t> time)
+    void PutEntry(const LegendEntry& entry, const Rect& place, const std::optional<std::int64_t>& time)
     {
         const double scale = m_target.scale;
         const int top = place.top + Scaled(kTop, scale) + entry.row * m_line;

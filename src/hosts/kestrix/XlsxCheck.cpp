@@ -158,7 +158,8 @@ private:
 // Whether the text of a part is there to its end.
 bool ReadText(std::ifstream& file, const Part& part, PartText& text)
 {
-    return Unpacker().Unpack(file, part, text) && text.Crc() == part.crc && text.EndsWith(">");
+    return Unpacker().Unpack(file, part, text) && text.Crc() == part.crc &&
+           (text.EndsWith(">") || text.EndsWith(">\n"));
 }
 
 }  // namespace

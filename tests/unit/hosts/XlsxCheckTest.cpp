@@ -182,6 +182,13 @@ TEST_F(XlsxCheckTest, RefusesAWorkbookOneOfWhoseOtherPartsIsCutShort)
     }
 }
 
+TEST_F(XlsxCheckTest, TakesAPartThatEndsWithALine)
+{
+    Workbook book = Rows(3);
+    book.Add("xl/theme/theme1.xml", "<a:theme></a:theme>\n");
+    EXPECT_TRUE(Holds(book.Bytes(), 3));
+}
+
 TEST_F(XlsxCheckTest, RefusesAWorkbookWithoutASheet)
 {
     Workbook book;

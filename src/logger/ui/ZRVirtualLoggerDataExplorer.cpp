@@ -1,6 +1,7 @@
 #include "logger/ui/ZRVirtualLoggerDataExplorer.h"
 
 #include "dialogs/ui/CGoToDateDlg.h"
+#include "logger/ui/FillMenu.h"
 #include "logger/ui/ZRVirtualLoggerDataGraphicViewer.h"
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 #include "platform/ui/AfxMessageBox.h"
@@ -10,7 +11,6 @@
 #include "siblings/tools/ZRLoadString.h"
 
 #include <algorithm>
-#include <map>
 #include <QCloseEvent>
 #include <thread>
 
@@ -27,44 +27,6 @@ std::u16string Wide(unsigned id)
 {
     ZRBasicString text;
     return std::u16string(ZRLoadString(id, text).Text());
-}
-
-// Menus that a host has filled, by the command of their button.
-using HostMenus = std::map<unsigned, CMenu*>;
-
-// The menu of an entry; null for a plain one.
-CMenu* SubMenuOf(const ExplorerMenuEntry& entry, QWidget* target, const HostMenus& hostMenus);
-
-// A menu as it is told without Qt.
-void Fill(CMenu& menu, const ExplorerMenu& entries, QWidget* target, const HostMenus& hostMenus = {})
-{
-    for (const ExplorerMenuEntry& entry : entries) {
-        if (CMenu* const popup = SubMenuOf(entry, target, hostMenus); popup != nullptr) {
-            popup->setParent(&menu, popup->windowFlags());
-            menu.AppendMenu(*popup);
-            continue;
-        }
-        menu.AppendMenu(entry.command, entry.text.Text());
-        menu.FindItem(entry.command)->setEnabled(entry.isEnabled);
-    }
-    for (const ExplorerMenuEntry& entry : entries) {
-        if (entry.isChecked) {
-            menu.CheckMenuRadioItem(entries.front().command, entries.back().command, entry.command);
-        }
-    }
-}
-
-CMenu* SubMenuOf(const ExplorerMenuEntry& entry, QWidget* target, const HostMenus& hostMenus)
-{
-    if (const auto host = hostMenus.find(entry.command); host != hostMenus.end()) {
-        return host->second;
-    }
-    if (entry.subMenu.empty()) {
-        return nullptr;
-    }
-    auto* const popup = new CMenu(target, entry.text.Text());
-    Fill(*popup, entry.subMenu, target);
-    return popup;
 }
 
 class ButtonState final : public CCmdUI {
@@ -322,13 +284,13 @@ bool ZRVirtualLoggerDataExplorer::ChooseDate(const COleDateTime& offered, ZRDate
 
 bool ZRVirtualLoggerDataExplorer::CreateGroupByMenu(CMenu& menu)
 {
-    Fill(menu, m_explorer.GroupByMenu(), this);
+    zr::ui::FillMenu(menu, m_explorer.GroupByMenu(), this, zr::ui::MenuMark::Radio);
     return true;
 }
 
 bool ZRVirtualLoggerDataExplorer::CreatePeriodMenu(CMenu& menu)
 {
-    Fill(menu, m_explorer.PeriodMenu(), this);
+    zr::ui::FillMenu(menu, m_explorer.PeriodMenu(), this, zr::ui::MenuMark::Radio);
     return true;
 }
 
@@ -363,7 +325,7 @@ void ZRVirtualLoggerDataExplorer::OnChevronPushed(const QRect& chevron)
                            {place.left(), place.right() + 1}});
     }
     const QRect visible = m_reBar.GetBandRect();
-    HostMenus hostMenus;
+    zr::ui::FilledMenus hostMenus;
     const auto subMenu = [&](unsigned command, ExplorerMenu& entries) {
         if (m_explorer.DropDownMenu(command, entries)) {
             return true;
@@ -381,7 +343,7 @@ void ZRVirtualLoggerDataExplorer::OnChevronPushed(const QRect& chevron)
     }
     auto* const menu = new CMenu(this, {});
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    Fill(*menu, entries, this, hostMenus);
+    zr::ui::FillMenu(*menu, entries, this, zr::ui::MenuMark::Radio, hostMenus);
     menu->popup(m_reBar.mapToGlobal(chevron.bottomLeft()));
 }
 

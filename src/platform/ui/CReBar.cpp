@@ -1,5 +1,6 @@
 #include "platform/ui/CReBar.h"
 
+#include <QLayout>
 #include <QToolButton>
 
 CReBar::CReBar(QWidget* parent, unsigned id)
@@ -44,6 +45,11 @@ void CReBar::Layout()
     // Always as wide as its buttons: the chevron is the strip's.
     const int needed = m_bar->sizeHint().width();
     m_bar->setGeometry(0, 0, needed, height());
+    if (m_bar->layout() != nullptr) {
+        // The places of the buttons are asked for below, maybe before the first event.
+        m_bar->layout()->invalidate();
+        m_bar->layout()->setGeometry(m_bar->rect());
+    }
     const bool fits = needed <= width();
     const int room = fits ? width() : width() - m_chevron->sizeHint().width();
     int visible = room;

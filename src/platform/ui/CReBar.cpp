@@ -1,5 +1,6 @@
 #include "platform/ui/CReBar.h"
 
+#include <QLayout>
 #include <QToolButton>
 
 CReBar::CReBar(QWidget* parent, unsigned id)
@@ -44,6 +45,8 @@ void CReBar::Layout()
     // Always as wide as its buttons: the chevron is the strip's.
     const int needed = m_bar->sizeHint().width();
     m_bar->setGeometry(0, 0, needed, height());
+    // Buttons have their places only then, whether the strip has been shown or not.
+    m_bar->layout()->activate();
     const bool fits = needed <= width();
     const int room = fits ? width() : width() - m_chevron->sizeHint().width();
     int visible = room;

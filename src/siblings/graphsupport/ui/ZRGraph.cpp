@@ -198,7 +198,7 @@ private:
             painter.fillRect(m_picture.rect(), m_colours.Of(zr::graph::SceneRole::Ground));
             zr::graph::PaintLayer(painter, scene.under, ScenePaintNow());
         }
-        zr::graph::PaintCurves(m_picture, m_model, scene);
+        zr::graph::PaintCurves(m_picture, m_model, scene, m_colours);
     }
     // What was seen last, paler.
     void PaintStale(QPainter& painter)

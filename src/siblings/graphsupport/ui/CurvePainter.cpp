@@ -17,11 +17,10 @@ namespace {
 // Of the ground of bars, so that those of other curves show through.
 constexpr int kBarAlpha = 150;
 
-std::uint32_t PixelOf(unsigned long colour, int alpha = 255)
+std::uint32_t PixelOf(QColor colour, int alpha = 255)
 {
-    QColor pixel = ColourOf(colour);
-    pixel.setAlpha(alpha);
-    return pixel.rgba();
+    colour.setAlpha(alpha);
+    return colour.rgba();
 }
 
 bool IsWithin(const Rect& rect, const QImage& picture)
@@ -45,10 +44,12 @@ std::vector<RowSpan> EndsOf(const std::vector<RowSpan>& bars, const CurvePanel& 
     return ends;
 }
 
-void PaintBars(const PixelArea& area, const std::vector<RowSpan>& spans, const CurvePanel& panel)
+void PaintBars(const PixelArea& area, const std::vector<RowSpan>& spans, const CurvePanel& panel,
+               const SceneColours& colours)
 {
-    PaintFill(area, spans, PixelOf(panel.brush.lbColor, kBarAlpha));
-    PaintLine(area, EndsOf(spans, panel), {PS_SOLID, panel.pen.lopnWidth, PixelOf(panel.pen.lopnColor)});
+    PaintFill(area, spans, PixelOf(colours.OfLine(panel.brush.lbColor), kBarAlpha));
+    PaintLine(area, EndsOf(spans, panel),
+              {PS_SOLID, panel.pen.lopnWidth, PixelOf(colours.OfLine(panel.pen.lopnColor))});
 }
 
 Qt::PenStyle StyleOf(unsigned style)
@@ -94,7 +95,7 @@ void DrawPiece(QPainter& painter, const QPolygonF& piece, bool isFilled)
 
 }  // namespace
 
-void PaintCurves(QImage& picture, const GraphModel& model, const GraphScene& scene)
+void PaintCurves(QImage& picture, const GraphModel& model, const GraphScene& scene, const SceneColours& colours)
 {
     const std::ptrdiff_t stride = picture.bytesPerLine() / static_cast<std::ptrdiff_t>(sizeof(std::uint32_t));
     auto* const pixels = reinterpret_cast<std::uint32_t*>(picture.bits());
@@ -108,14 +109,15 @@ void PaintCurves(QImage& picture, const GraphModel& model, const GraphScene& sce
         const PixelArea area{pixels + panel.rect.top * stride + panel.rect.left, panel.rect.Width(),
                              panel.rect.Height(), stride};
         if (panel.shape == CurveShape::Bars) {
-            PaintBars(area, spans, panel);
+            PaintBars(area, spans, panel, colours);
         } else {
-            PaintLine(area, spans, {panel.pen.lopnStyle, panel.pen.lopnWidth, PixelOf(panel.pen.lopnColor)});
+            PaintLine(area, spans,
+                      {panel.pen.lopnStyle, panel.pen.lopnWidth, PixelOf(colours.OfLine(panel.pen.lopnColor))});
         }
     }
 }
 
-void DrawCurves(QPainter& painter, const GraphModel& model, const GraphScene& scene)
+void DrawCurves(QPainter& painter, const GraphModel& model, const GraphScene& scene, const SceneColours& colours)
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -124,9 +126,9 @@ void DrawCurves(QPainter& painter, const GraphModel& model, const GraphScene& sc
         points.clear();
         model.Path(panel, points);
         const bool isFilled = panel.shape == CurveShape::Bars;
-        painter.setPen(QPen(ColourOf(panel.pen.lopnColor), panel.pen.lopnWidth, StyleOf(panel.pen.lopnStyle),
+        painter.setPen(QPen(colours.OfLine(panel.pen.lopnColor), panel.pen.lopnWidth, StyleOf(panel.pen.lopnStyle),
                             Qt::RoundCap, Qt::RoundJoin));
-        QColor ground = ColourOf(panel.brush.lbColor);
+        QColor ground = colours.OfLine(panel.brush.lbColor);
         ground.setAlpha(kBarAlpha);
         painter.setBrush(isFilled ? QBrush(ground) : QBrush());
         for (const QPolygonF& piece : PiecesOf(points)) {

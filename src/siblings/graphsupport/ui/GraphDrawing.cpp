@@ -41,6 +41,7 @@ public:
     PaperScene& operator=(const PaperScene&) = delete;
 
     [[nodiscard]] const GraphScene& Scene() const { return m_scene; }
+    [[nodiscard]] const SceneColours& Colours() const { return m_colours; }
     void PaintUnder(QPainter& painter) const { PaintLayer(painter, m_scene.under, m_paint); }
     void PaintOver(QPainter& painter) const { PaintLayer(painter, m_scene.over, m_paint); }
 
@@ -66,7 +67,7 @@ QImage PictureOf(const GraphModel& model, const QSize& size, double scale, const
         QPainter painter(&picture);
         scene.PaintUnder(painter);
     }
-    PaintCurves(picture, model, scene.Scene());
+    PaintCurves(picture, model, scene.Scene(), scene.Colours());
     {
         QPainter painter(&picture);
         scene.PaintOver(painter);
@@ -120,7 +121,7 @@ void DrawOnPaper(QPainter& painter, const QRect& rect, double scale, const Graph
     painter.translate(rect.topLeft());
     painter.scale(dots, dots);
     scene.PaintUnder(painter);
-    DrawCurves(painter, model, scene.Scene());
+    DrawCurves(painter, model, scene.Scene(), scene.Colours());
     scene.PaintOver(painter);
     painter.restore();
 }

@@ -1,5 +1,7 @@
 #include "siblings/graphsupport/ui/SceneColours.h"
 
+#include "siblings/graphsupport/CurveColours.h"
+
 #include <QPalette>
 
 namespace zr::graph {
@@ -11,6 +13,12 @@ QColor Over(const QColor& ground, const QColor& colour, int percent)
 {
     const auto mix = [percent](int below, int above) { return (below * (100 - percent) + above * percent) / 100; };
     return {mix(ground.red(), colour.red()), mix(ground.green(), colour.green()), mix(ground.blue(), colour.blue())};
+}
+
+unsigned long NumberOf(const QColor& colour)
+{
+    return static_cast<unsigned long>(colour.red()) | static_cast<unsigned long>(colour.green()) << 8 |
+           static_cast<unsigned long>(colour.blue()) << 16;
 }
 
 QColor WithAlpha(QColor colour, int alpha)
@@ -44,6 +52,19 @@ SceneColours::SceneColours(const QPalette& palette)
     At(SceneRole::SwatchFrame) = Over(face, text, 45);
     At(SceneRole::Highlight) = WithAlpha(highlight, 70);
     At(SceneRole::Point) = text;
+}
+
+QColor SceneColours::OfCurve(SceneRole role, unsigned long colour) const
+{
+    if (role == SceneRole::Text || role == SceneRole::DimText) {
+        return ColourOf(TextColourOn(NumberOf(Of(SceneRole::Ground)), colour));
+    }
+    return OfLine(colour);
+}
+
+QColor SceneColours::OfLine(unsigned long colour) const
+{
+    return ColourOf(LineColourOn(NumberOf(Of(SceneRole::Panel)), colour));
 }
 
 SceneColours SceneColours::OfPaper()

@@ -19,6 +19,10 @@ public:
     static SceneColours OfPaper();
 
     [[nodiscard]] const QColor& Of(SceneRole role) const { return m_colours[static_cast<std::size_t>(role)]; }
+    // Of a thing that belongs to a curve, by the colour chosen for that.
+    [[nodiscard]] QColor OfCurve(SceneRole role, unsigned long colour) const;
+    // Of the curve itself, likewise.
+    [[nodiscard]] QColor OfLine(unsigned long colour) const;
 
 private:
     QColor& At(SceneRole role) { return m_colours[static_cast<std::size_t>(role)]; }

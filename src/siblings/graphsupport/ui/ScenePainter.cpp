@@ -85,7 +85,7 @@ public:
 private:
     [[nodiscard]] QColor ColourFor(SceneRole role, int curve) const
     {
-        return curve < 0 ? m_paint.colours.Of(role) : ColourOf(m_paint.curveColour(curve));
+        return curve < 0 ? m_paint.colours.Of(role) : m_paint.colours.OfCurve(role, m_paint.curveColour(curve));
     }
     // About the pixel that it is given by, where it is wider than one.
     [[nodiscard]] QRect RectOf(const SceneLine& line) const

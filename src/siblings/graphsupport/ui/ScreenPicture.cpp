@@ -79,7 +79,7 @@ void ScreenPicture::Renew(GraphModel& model)
         painter.fillRect(m_picture.rect(), m_colours.Of(SceneRole::Ground));
         PaintLayer(painter, scene.under, PaintOf(model));
     }
-    PaintCurves(m_picture, model, scene);
+    PaintCurves(m_picture, model, scene, m_colours);
 }
 
 // The painter's units are pixels of the picture then.

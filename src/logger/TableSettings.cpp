@@ -2,6 +2,9 @@
 
 #include "logger/TableColumns.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace zr::logger {
 
 namespace {
@@ -9,6 +12,7 @@ namespace {
 constexpr const wchar* kTable = u"Table";
 constexpr const wchar* kIndex = u"Index";
 constexpr const wchar* kWidth = u"Width";
+constexpr int kLastIndex = std::numeric_limits<int>::max() - 1;
 
 }  // namespace
 
@@ -55,6 +59,25 @@ void TableSettings::Write(const Record& record, XmlNode& setup) const
 {
     SetNumber(setup, kIndex, record.Index);
     SetNumber(setup, kWidth, record.Width);
+}
+
+void AppendColumn(XmlNode& node, const ZRBasicString& name)
+{
+    XmlNode* const table = node.Node(kTable);
+    if (table == nullptr) {
+        return;
+    }
+    int last = -1;
+    for (const XmlNode* const child : table->children) {
+        if (child->Value(kSettingsVar, u"") == name) {
+            return;
+        }
+        last = std::max(last, std::min(NumberOf(*child, kIndex), kLastIndex));
+    }
+    XmlNode& setup = *table->NewChild(kSettingsVarSetup);
+    setup.SetValue(kSettingsVar, name);
+    SetNumber(setup, kIndex, last + 1);
+    SetNumber(setup, kWidth, kNewColumnWidth);
 }
 
 }  // namespace zr::logger

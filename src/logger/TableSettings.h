@@ -26,4 +26,8 @@ private:
     void Write(const Record& record, XmlNode& setup) const override;
 };
 
+// Gives a variable that an arrangement doesn't have yet a column behind all others. Nothing where the tree has no
+// table; node: that of the viewer settings.
+void AppendColumn(XmlNode& node, const ZRBasicString& name);
+
 }  // namespace zr::logger

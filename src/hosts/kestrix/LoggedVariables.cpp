@@ -1,6 +1,6 @@
 #include "hosts/kestrix/LoggedVariables.h"
 
-#include "logger/ViewerSettings.h"
+#include "logger/TableSettings.h"
 #include "siblings/driversupport/VariableReference.h"
 
 #include <set>
@@ -52,6 +52,7 @@ void WantAll(const ZRLoggerInfo& info, XmlNode& root)
     for (const ZRDriverVariable* const variable : info.variables) {
         if (listed.insert(variable->fullName).second) {
             vars->NewChild(logger::kSettingsVar)->SetValue(logger::kSettingsName, variable->fullName);
+            logger::AppendColumn(root, variable->fullName);
         }
     }
 }

@@ -17,7 +17,8 @@ ZRLoggerInfo LoggedVariables(const std::vector<ZRBasicString>& devices, const st
 ZRLoggerInfo LoggedVariables(const std::vector<ZRBasicString>& devices);
 
 // The tree of viewer settings lists what the user wants to see. Until there is a dialog to choose by, that is all there
-// is: variables that a tree which lists any doesn't know yet are added to it. root: of the tree.
+// is: variables that a tree which lists any doesn't know yet are added to it, behind the columns that the user has
+// arranged. root: of the tree.
 void WantAll(const ZRLoggerInfo& info, XmlNode& root);
 
 }  // namespace zr::desktop

@@ -5,7 +5,10 @@
 #include "support/SmallDisk.h"
 #endif
 
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QPointer>
+#include <QTimer>
 
 namespace zr::desktop {
 namespace {
@@ -24,6 +27,28 @@ protected:
         m_window = window;
         return *window;
     }
+    // By its key, where the user types a name and chooses a kind of file.
+    void ExportAs(const std::string& name, const QString& kind)
+    {
+        m_window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(m_window));
+        QTimer look;
+        QObject::connect(&look, &QTimer::timeout, m_window, [&] {
+            if (auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
+                look.stop();
+                auto* const edit = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+                ASSERT_NE(edit, nullptr);
+                m_offered = dialog->selectedFiles().value(0).toStdString();
+                const QStringList kinds = dialog->nameFilters().filter(kind);
+                ASSERT_EQ(kinds.size(), 1);
+                dialog->selectNameFilter(kinds[0]);
+                edit->setText(QString::fromStdString(Path(name)));
+                QMetaObject::invokeMethod(dialog, "accept");
+            }
+        });
+        look.start(1);
+        QTest::keyClick(&List(*m_window), Qt::Key_E, Qt::ControlModifier);
+    }
     [[nodiscard]] std::string Told(std::size_t i) const
     {
         return i < m_asked.size() ? QString::fromStdU16String(m_asked[i]).toStdString() : std::string();
@@ -31,6 +56,7 @@ protected:
     [[nodiscard]] std::string Path(const std::string& name) const { return (m_folder / name).string(); }
 
     QPointer<LoggedDataWindow> m_window;
+    std::string m_offered;
 };
 
 TEST_F(LoggedDataExportTest, TheExtensionTellsTheKindInCapitalLettersToo)
@@ -106,6 +132,39 @@ TEST_F(LoggedDataExportTest, KeepsTheOldFileWhenTheDiskIsFull)
     }
 }
 #endif
+
+TEST_F(LoggedDataExportTest, AsksForAFileByItsKeyAndOffersTheDevicesName)
+{
+    Open();
+    ExportAs("table.csv", "csv");
+    EXPECT_TRUE(QString::fromStdString(m_offered).endsWith("/METER-1.csv")) << m_offered;
+    EXPECT_EQ(m_folder.Read("table.csv").substr(0, 14), "Date and time,");
+    EXPECT_TRUE(m_asked.empty());
+}
+
+TEST_F(LoggedDataExportTest, AddsTheExtensionOfTheKindThatWasChosen)
+{
+    Open();
+    ExportAs("table", "xlsx");
+    EXPECT_TRUE(std::filesystem::exists(m_folder / "table.xlsx"));
+    // What follows a point is no kind of file here.
+    ExportAs("north 1.2", "pdf");
+    EXPECT_EQ(m_folder.Read("north 1.2.pdf").substr(0, 5), "%PDF-");
+    EXPECT_TRUE(m_asked.empty());
+}
+
+TEST_F(LoggedDataExportTest, AsksBeforeItReplacesAFileWhoseNameWasNotTypedWhole)
+{
+    Open();
+    m_folder.Write("table.csv", "old");
+    m_answer = ui::IDNO;
+    ExportAs("table", "csv");
+    EXPECT_EQ(Told(0), Path("table.csv") + " is there already. Replace it?");
+    EXPECT_EQ(m_folder.Read("table.csv"), "old");
+    m_answer = ui::IDYES;
+    ExportAs("table", "csv");
+    EXPECT_EQ(m_folder.Read("table.csv").substr(0, 14), "Date and time,");
+}
 
 // Closes a window as soon as a progress dialog shows.
 class ClosingFilter final : public QObject {

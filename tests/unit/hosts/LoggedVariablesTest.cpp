@@ -42,6 +42,10 @@ TEST(LoggedVariablesTest, WantsWhatATreeOfSettingsDoesNotKnowYet)
     XmlNode& vars = *tree.root->NewChild(u"Vars");
     vars.NewChild(u"Var")->SetValue(u"Name", u"GONE.X");
     vars.NewChild(u"Var")->SetValue(u"Name", u"A.E");
+    XmlNode& table = *tree.root->NewChild(u"Table");
+    table.NewChild(u"VarSetup")->SetValue(u"Var", u"GONE.X");
+    table.children.back()->SetValue(u"Index", u"7");
+    table.NewChild(u"VarSetup")->SetValue(u"Var", u"A.E");
     for (int i = 0; i < 2; ++i) {
         WantAll(info, *tree.root);
         std::vector<ZRBasicString> names;
@@ -50,6 +54,12 @@ TEST(LoggedVariablesTest, WantsWhatATreeOfSettingsDoesNotKnowYet)
             names.push_back(child->Value(u"Name", u""));
         }
         EXPECT_EQ(names, (std::vector<ZRBasicString>{u"GONE.X", u"A.E", u"A.U"}));
+        // Behind all columns that there are.
+        ASSERT_EQ(table.children.size(), 3U);
+        const XmlNode& added = *table.children.back();
+        EXPECT_EQ(added.Value(u"Var", u""), u"A.U");
+        EXPECT_EQ(added.Value(u"Index", u""), u"8");
+        EXPECT_EQ(added.Value(u"Width", u""), u"100");
     }
 }
 

@@ -334,5 +334,23 @@ TEST_F(TableSettingsTest, WithoutATreeTheProfileStaysAsItIs)
     EXPECT_EQ(settings.SetLastConfiguration(), 0);
 }
 
+TEST_F(TableSettingsTest, AnAppendedColumnStandsBehindAllOthers)
+{
+    XmlDocument tree;
+    tree.Create(u"main");
+    AppendColumn(*tree.root, u"M.U");
+    EXPECT_TRUE(tree.root->children.empty());
+    XmlNode& table = *tree.root->NewChild(u"Table");
+    AppendColumn(*tree.root, u"M.U");
+    table.children.back()->SetValue(u"Index", u"2147483647");
+    AppendColumn(*tree.root, u"M.E");
+    AppendColumn(*tree.root, u"M.U");  // it has one
+    ASSERT_EQ(table.children.size(), 2U);
+    EXPECT_EQ(table.children.back()->tag, u"VarSetup");
+    EXPECT_EQ(table.children.back()->Value(u"Var", u""), u"M.E");
+    EXPECT_EQ(table.children.back()->Value(u"Index", u""), u"2147483647");
+    EXPECT_EQ(table.children.back()->Value(u"Width", u""), u"100");
+}
+
 }  // namespace
 }  // namespace zr::logger

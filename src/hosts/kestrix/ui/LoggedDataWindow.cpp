@@ -303,7 +303,8 @@ void LoggedDataWindow::AskWhereToExport()
     }
     const QString filter = QStringLiteral("%1 (*.csv);;%2 (*.xlsx);;%3 (*.pdf)")
                                .arg(LoadText(kTextLoggedCsv), LoadText(kTextLoggedXlsx), LoadText(kTextLoggedPdf));
-    const QString offered = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + u'/' +
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    const QString offered = (QFileInfo(documents).isDir() ? documents : QDir::homePath()) + u'/' +
                             ToQt(FileTitleOf(m_name)) + QLatin1String(ExtensionOf(ExportKind::Csv));
     QString chosen;
     const QString named = QFileDialog::getSaveFileName(this, LoadText(kTextLoggedExport), offered, filter, &chosen);

@@ -78,7 +78,7 @@ bool ContextDiffers(std::int64_t before, std::int64_t time, const CalendarStep& 
     return texts.Context(before, step) != texts.Context(time, step);
 }
 
-// Places a text about a column; false when it would touch the one before it or has no room.
+// Places a text about a column; false when it would reach into what is taken before it or has no room behind it.
 bool TakesRoom(const TimeScaleInput& input, const ZRBasicString& text, int column, double& taken)
 {
     if (text.IsEmpty()) {
@@ -86,7 +86,7 @@ bool TakesRoom(const TimeScaleInput& input, const ZRBasicString& text, int colum
     }
     const int width = input.texts->Width(text.Text(), TextFont::Normal);
     const int left = column - width / 2;
-    if (left < taken || left < -input.roomLeft || left + width > input.width + input.roomRight) {
+    if (left < taken || left + width > input.width + input.roomRight) {
         return false;
     }
     taken = left + width + kLabelGap / 2 * input.scale;

@@ -75,6 +75,18 @@ TEST_F(GraphCurvesTest, NeighboursOfOneZoneAndUnitAreARun)
     EXPECT_EQ(Utf16ToUtf8(curves.runs[1].unit), "A");
 }
 
+TEST_F(GraphCurvesTest, CurvesOfOneUnitInDifferentSizesAreDifferentRuns)
+{
+    test::LiveDevice other(u"N", {Described(u"U", u"Voltage", 1, 0, 3, VariableClass::Instantaneous)});
+    info.Unlock();
+    info.AddVariable(u"N.U");
+    info.Lock();
+    const GraphCurves curves = Make({Curve(kVoltage), Curve(kVariables)});
+    ASSERT_EQ(curves.runs.size(), 2u);
+    EXPECT_EQ(Utf16ToUtf8(curves.runs[0].unit), "V");
+    EXPECT_EQ(Utf16ToUtf8(curves.runs[1].unit), "kV");
+}
+
 TEST_F(GraphCurvesTest, ZonesAreNumberedWithoutGaps)
 {
     const GraphCurves curves = Make({Curve(kVoltage, 2), Curve(kCurrent, 5), Curve(kState, 99), Curve(kEnergy, -3)});
@@ -97,6 +109,8 @@ TEST_F(GraphCurvesTest, ARunHasTheFirstLimitsOfItsCurves)
     EXPECT_DOUBLE_EQ(run.minimum, 200.0);
     EXPECT_DOUBLE_EQ(run.maximum, 250.0);
     EXPECT_DOUBLE_EQ(Make({Curve(kVoltage)}).runs[0].minimum, kNoLimit);
+    first.minimum = kNothing;
+    EXPECT_DOUBLE_EQ(Make({first, second}).runs[0].minimum, 200.0) << "what is no number is no limit";
 }
 
 TEST_F(GraphCurvesTest, ValuesHaveTheirDecimalsAndUnit)

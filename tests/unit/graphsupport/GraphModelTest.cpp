@@ -228,6 +228,23 @@ TEST_F(GraphModelTest, BarsStandOnZeroAndBehindLines)
     EXPECT_EQ(panels[1].shape, CurveShape::Line);
 }
 
+TEST_F(GraphModelTest, CountersAreBarsAtAPeriodAlone)
+{
+    Record(kEnergy, {100000.0, 100100.0, 100200.0});
+    Show({Curve(kEnergy)}, 60);
+    EXPECT_EQ(model.Scene().panels.at(0).shape, CurveShape::Bars);
+    Show({Curve(kEnergy)});
+    EXPECT_EQ(model.Scene().panels.at(0).shape, CurveShape::Line);
+}
+
+TEST_F(GraphModelTest, BarsOfNothingStandOnZeroToo)
+{
+    Record(kVoltage, {2300.0, 2300.0});
+    Show({Curve(kEnergy)}, 900);
+    EXPECT_DOUBLE_EQ(model.Scene().panels.at(0).map.low, 0.0);
+    EXPECT_GE(model.Scene().panels.at(0).map.high, 1.0);
+}
+
 TEST_F(GraphModelTest, AnIndexOutOfTheListIsLeftOut)
 {
     Record(kVoltage, {2300, 2310});
@@ -313,6 +330,27 @@ TEST_F(GraphModelTest, TheTooltipHasTimeAndValuesOfAllCurves)
     EXPECT_TRUE(Items<SceneRect>(model.Scene().over, SceneRole::BoxFrame).empty());
 }
 
+TEST_F(GraphModelTest, TheTooltipHasTheTimeOfTheSampleOfTheCurvePointedAt)
+{
+    std::vector<double> volts;
+    std::vector<double> amperes;
+    for (int i = 0; i < 600; ++i) {
+        volts.push_back(2300.0);
+        amperes.push_back(i % 10 == 0 ? 5.0 : kNothing);
+    }
+    Record(kVoltage, volts);
+    Record(kCurrent, amperes);
+    Show({Curve(kVoltage), Curve(kCurrent, 1)});
+    model.ZoomTo({kBegin + 290 * kMinuteLong, kBegin + 310 * kMinuteLong});
+    const Rect below = model.Scene().panels.at(1).rect;
+    const int x = PlaceOf(303.2).x;
+    model.Move({x, OnCurve(0, x - below.left).y});
+    EXPECT_TRUE(Holds(model.Scene().over, "2002-12-30 05:03:00"));
+    EXPECT_FALSE(Holds(model.Scene().over, "2002-12-30 05:00:00"));
+    model.Move({x, OnCurve(1, x - below.left).y});
+    EXPECT_TRUE(Holds(model.Scene().over, "2002-12-30 05:00:00"));
+}
+
 TEST_F(GraphModelTest, TheTooltipStaysInThePicture)
 {
     ShowVoltage();
@@ -341,6 +379,7 @@ TEST_F(GraphModelTest, TwoMarkersHaveATable)
     EXPECT_EQ(Items<SceneLine>(over, SceneRole::Marker).size(), 2u);
     EXPECT_TRUE(Holds(over, "1"));
     EXPECT_TRUE(Holds(over, "2"));
+    EXPECT_FALSE(Holds(over, "Sum")) << "there is none of what isn't consumption";
     model.RemoveMarkers();
     EXPECT_EQ(Panel().Height(), height);
 }
@@ -372,12 +411,15 @@ TEST_F(GraphModelTest, AnotherWindowForgetsZoomsAndMarkers)
     ShowVoltage();
     model.ZoomTo({kBegin, kBegin + 10 * kMinuteLong});
     model.SetMarker(0, kBegin);
+    model.Move(PlaceOf(5));
     const std::vector<CurveInfo> curves = {Curve(kVoltage)};
     const ZRLoggerData::CRecordGroup& group = Load();
     model.Update(curves, kFrom, kTo, info, &group);
     EXPECT_EQ(model.History().size(), 1u);
     EXPECT_TRUE(model.Marker(0));
+    EXPECT_TRUE(model.Cursor());
     model.Update(curves, kFrom, Date(1, 1, 2003), info, &group);
+    EXPECT_FALSE(model.Cursor());
     EXPECT_TRUE(model.History().empty());
     EXPECT_FALSE(model.Marker(0));
 }

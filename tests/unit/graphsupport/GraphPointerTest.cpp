@@ -451,6 +451,33 @@ TEST_F(GraphPointerTest, ACurveIsHitWhereItIsDrawn)
     }
 }
 
+TEST_F(GraphPointerTest, NoCurveIsHighlightedDuringADrag)
+{
+    const Point on = OnCurve(0, 100);
+    model.SetMode(kZoomMode);
+    model.Press({on.x + 30, on.y}, false);
+    model.Move(on);
+    EXPECT_FALSE(model.Scene().panels.at(0).isHighlighted);
+    model.CancelDrag();
+    model.Move(on);
+    EXPECT_TRUE(model.Scene().panels.at(0).isHighlighted);
+}
+
+TEST_F(GraphPointerTest, EscapeEndsADragBeforeItUndoesZooms)
+{
+    const Zoom view{kBegin + 300 * kMinuteLong, kBegin + 600 * kMinuteLong};
+    model.ZoomTo(view);
+    model.SetMode(kZoomMode);
+    model.Press(PlaceOf(400), false);
+    model.Move(PlaceOf(500));
+    model.Do(GraphAction::Cancel);
+    EXPECT_FALSE(model.IsDragging());
+    EXPECT_EQ(model.InView().from, view.from);
+    EXPECT_EQ(model.InView().to, view.to);
+    model.Do(GraphAction::Cancel);
+    EXPECT_TRUE(model.History().empty());
+}
+
 TEST_F(GraphPointerTest, NewDataDuringADragEndItSafely)
 {
     for (const int mode : {kTooltipMode, kZoomMode, kPanMode}) {

@@ -92,6 +92,15 @@ TEST_F(GraphViewTest, ZoomingKeepsTheTimeUnderThePointer)
     ExpectInView(1000, 11000);
 }
 
+TEST_F(GraphViewTest, ATimeOutOfViewZoomsAboutTheNearestEdge)
+{
+    view.ZoomTo({2000, 6000});
+    view.ZoomAbout(10000, 0.5);
+    ExpectInView(4000, 6000);
+    view.ZoomAbout(1500, 0.5);
+    ExpectInView(4000, 5000);
+}
+
 TEST_F(GraphViewTest, TurnsOfTheWheelInARowAreOneZoom)
 {
     view.ZoomAbout(3000, 0.5);
@@ -172,7 +181,7 @@ TEST_F(GraphViewTest, HoldsItsPromisesInAnyOrder)
                 view.UndoLast();
                 break;
             case 6:
-                view.SetWhole({1000, 11000}, random() % 4 == 0 ? 3000 : 100);
+                view.SetWhole({1000, 11000}, random() % 2 == 0 ? 100 : random() % 2 == 0 ? 3000 : 12000);
                 break;
             default:
                 if (random() % 10 == 0) {

@@ -115,6 +115,33 @@ TEST_F(TimeScaleTest, OverAClockChangeTheSkippedHourIsNotLabelled)
     EXPECT_EQ(Labels(scale), (std::vector<std::string>{"00:00", "01:00", "03:00", "04:00", "05:00", "06:00"}));
 }
 
+TEST_F(TimeScaleTest, TheDateStandsWhereTheLocalDayBegins)
+{
+    const TimeZone adelaide = test::ZoneOfTable("Australia/Adelaide");
+    const TimeScale scale = Make({At("2002-12-30T04:00"), At("2002-12-30T22:00")}, 500, adelaide);
+    for (const TimeTick& tick : scale.ticks) {
+        EXPECT_EQ(tick.context.IsEmpty(), tick.label != u"00:00") << Utf16ToUtf8(tick.label);
+    }
+    EXPECT_EQ(Contexts(scale), (std::vector<std::string>{"2002-12-31"}));
+    EXPECT_EQ(Utf16ToUtf8(scale.leftContext), "2002-12-30");
+}
+
+TEST_F(TimeScaleTest, TextsStandOutOfTheCurvesAsFarAsThereIsRoom)
+{
+    TimeScaleInput input;
+    input.view = {At("2002-12-30T00:00"), At("2002-12-31T00:00")};
+    input.width = 500;
+    input.texts = &extents;
+    const TimeZone utc;
+    for (const int room : {0, 100}) {
+        input.roomLeft = room;
+        input.roomRight = room;
+        const TimeScale scale = MakeTimeScale(input, utc, TimeTexts(nullptr, utc));
+        EXPECT_EQ(scale.ticks.front().label.IsEmpty(), room == 0);
+        EXPECT_EQ(scale.ticks.back().label.IsEmpty(), room == 0);
+    }
+}
+
 TEST_F(TimeScaleTest, WithoutWidthOrStretchThereIsNothing)
 {
     EXPECT_TRUE(Make({At("2003-01-01T00:00"), At("2003-01-02T00:00")}, 0).ticks.empty());

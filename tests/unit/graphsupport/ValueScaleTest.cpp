@@ -191,6 +191,14 @@ TEST_F(ValueScaleTest, AFixedLimitBeyondAllValuesStands)
     EXPECT_GT(scale.map.high, 300.0);
 }
 
+TEST_F(ValueScaleTest, AFixedLimitBelowAllValuesStandsToo)
+{
+    input.maximum = 100.0;
+    const ValueScale scale = Of(229.0, 231.0);
+    EXPECT_DOUBLE_EQ(scale.map.high, 100.0);
+    EXPECT_LT(scale.map.low, 100.0);
+}
+
 TEST_F(ValueScaleTest, LimitsInTheWrongOrderAreExchanged)
 {
     input.minimum = 50.0;

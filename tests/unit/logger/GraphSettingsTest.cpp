@@ -227,6 +227,10 @@ TEST_F(GraphSettingsTest, ACurveWithoutAnEntryThatTheProfileLacksJoinsTheZoneBef
     EXPECT_EQ(added.MeasureUnits, 8);
     EXPECT_EQ(added.Decimals, 2);
     EXPECT_EQ(added.UnitsExponent, 3);
+    ZRDeviceDriver::tagSVariableInfo told;
+    ASSERT_TRUE(info.variables.back()->Info(told));
+    ASSERT_NE(told.infoCode, 0);
+    EXPECT_EQ(added.InfoCode, told.infoCode);
     EXPECT_EQ(added.Color, 0UL);
     EXPECT_EQ(added.LineType, 0);
     EXPECT_EQ(added.Minimum, Curve::kNoMinimum);

@@ -211,6 +211,26 @@ TEST_F(LoggerGraphTest, TheTotalProfileIsThatBeforeTheSettings)
     EXPECT_EQ(second.TotalProfile()[1].Zone, 1);
 }
 
+TEST_F(LoggerGraphTest, EverySetupMakesTheLinesSolidAndThin)
+{
+    graph.Setup(Info({u"M.U"}), nullptr);
+    graph.Profile()[0].LineType = 0x0302;
+    graph.Setup(Info({u"M.U"}), nullptr);
+    EXPECT_EQ(graph.Profile()[0].LineType, 0);
+    EXPECT_EQ(list.curves[0].pen.lopnWidth, 1);
+}
+
+TEST_F(LoggerGraphTest, TheFirstTitleIsMadeAnewBeforeTheSettingsAndAfterThem)
+{
+    test::LiveDevice other(u"N", {Described(u"U", u"Voltage", 1, -1, 0, 1)});
+    Show({u"M.E", u"N.U"});
+    // By unit the energy comes last; it was the first before.
+    EXPECT_EQ(Narrow(graph.TotalProfile()[0].Title), "Voltage");
+    EXPECT_EQ(Narrow(graph.TotalProfile()[1].Title), "M Energy");
+    EXPECT_EQ(Narrow(graph.Profile()[0].Title), "N Voltage");
+    EXPECT_EQ(Narrow(graph.Profile()[1].Title), "M Energy");
+}
+
 TEST_F(LoggerGraphTest, OnlyTheFirstSetupCountsZonesAsNew)
 {
     Show();

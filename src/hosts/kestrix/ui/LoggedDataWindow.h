@@ -51,6 +51,7 @@ protected:
 private:
     void MakeShortcuts();
     void AskWhereToExport();
+    void Copy();
     [[nodiscard]] ExportedTable Table();
     [[nodiscard]] ZRDateTimeSpan PeriodShown();
     [[nodiscard]] QString PeriodText();

@@ -1,6 +1,5 @@
 #include "logger/GraphLayout.h"
 
-#include "logger/TableTexts.h"
 #include "siblings/driversupport/VariableReference.h"
 
 #include <algorithm>
@@ -20,16 +19,6 @@ void SortFirst(ZRGraphProfile& profile, int count, Less less)
     const auto end = records.begin() + std::clamp<std::ptrdiff_t>(count, 0, std::ssize(records));
     std::stable_sort(records.begin(), end, less);
     std::copy(records.begin(), records.end(), profile.VarsBegin());
-}
-
-ZRBasicString DriverOf(const Record& record)
-{
-    ZRBasicString filter;
-    ZRBasicString hour;
-    ZRBasicString driver;
-    ZRBasicString variable;
-    SplitFilterDriverVariable(record.Name, filter, hour, driver, variable);
-    return driver;
 }
 
 }  // namespace
@@ -102,9 +91,9 @@ bool MultipleDevices(const ZRGraphProfile& profile)
     if (profile.NVars() == 0) {
         return false;
     }
-    const ZRBasicString first = DriverOf(**profile.VarsBegin());
+    const ZRBasicString first = DriverOf((*profile.VarsBegin())->Name);
     return std::any_of(profile.VarsBegin(), profile.VarsEnd(),
-                       [&](const Record* record) { return !(DriverOf(*record) == first); });
+                       [&](const Record* record) { return DriverOf(record->Name) != first; });
 }
 
 void ChangeNamesVars(ZRGraphProfile& profile, const ZRLoggerInfo& info)

@@ -36,8 +36,7 @@ void SuiteKey::WriteText(const wchar* name, const ZRBasicString& text)
 
 void SuiteKey::WriteNumber(const wchar* name, std::uint32_t number)
 {
-    std::uint32_t stored = 0;
-    if (m_isOpen && !(ReadNumber(name, stored) && stored == number)) {
+    if (m_isOpen) {
         std::uint8_t bytes[sizeof number];
         std::memcpy(bytes, &number, sizeof number);
         RegSetValueExW(m_key, name, 0, REG_DWORD, bytes, sizeof number);

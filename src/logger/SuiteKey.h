@@ -18,8 +18,8 @@ public:
     SuiteKey& operator=(const SuiteKey&) = delete;
     ~SuiteKey();
 
+    // Waits for the disk, but for what stands there already.
     void WriteText(const wchar* name, const ZRBasicString& text);
-    // What stands there already isn't written once more: each write waits for the disk.
     void WriteNumber(const wchar* name, std::uint32_t number);
     // False, with the argument unchanged, when there is no value of that name and kind.
     bool ReadText(const wchar* name, ZRBasicString& text) const;

@@ -3,6 +3,7 @@
 
 #include "logger/LoggerIds.h"
 #include "profiles/ZRTableProfile.h"
+#include "siblings/driversupport/VariableReference.h"
 #include "siblings/driversupport/ZRLoggerData.h"
 #include "siblings/tools/ZRBasicString.h"
 #include "siblings/tools/ZRDateTime.h"
@@ -19,9 +20,7 @@ inline constexpr unsigned kTextYear = 432;
 // A power factor has this unit code.
 inline constexpr int kPowerFactorUnit = 7;
 
-// Forms of GetTitleVariable: for variables of one device, and to tell those of several devices apart.
-inline constexpr int kTitleInDevice = 5;
-inline constexpr int kTitleAmongDevices = 7;
+using zr::kTitleAmongDevices;
 
 // By the numbering of the locale record: 1 counts by ISO 8601, 2 plainly from 1 January on. 1 for any other.
 int WeekNumber(const ZRDateTime& date, int weekNumbering);

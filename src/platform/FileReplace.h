@@ -38,6 +38,11 @@ private:
     std::unique_ptr<State> m_state;  // null: not open
 };
 
+// The last step for a file that a library wrote by its name: for its user alone, flushed, and renamed over the target
+// on the same disk, of which the folder is flushed. False on failure, and reason says why: the old file is then as
+// before, and what was written is still there under its own name. Blocks on the disk.
+bool PutFileInPlace(const std::filesystem::path& written, const std::filesystem::path& target, std::string& reason);
+
 // Makes a folder with the ones above it, each new one with mode 0700. False when one can't be made; reason says why.
 bool MakePrivateFolder(const std::filesystem::path& folder, std::string& reason);
 

@@ -55,7 +55,7 @@ std::int32_t RegCreateKeyExW(HKEY key, const char16_t* subKey, std::uint32_t res
 std::int32_t RegQueryValueExW(HKEY key, const char16_t* name, std::uint32_t* reserved, std::uint32_t* type,
                               std::uint8_t* data, std::uint32_t* size);
 // Size in bytes, at most 1 MiB. The bytes are kept as they are: of a text whose terminating zero isn't counted, none
-// comes back.
+// comes back. A value that stands there already isn't written once more.
 std::int32_t RegSetValueExW(HKEY key, const char16_t* name, std::uint32_t reserved, std::uint32_t type,
                             const std::uint8_t* data, std::uint32_t size);
 std::int32_t RegCloseKey(HKEY key);

@@ -1,25 +1,26 @@
 // A disk that fills up. Posix.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <csignal>
 
 namespace zr::test {
 
-// No files grow beyond that while it lives.
+// No file of the process grows beyond that while it lives; what fails is the write, not the process. One at a time.
 class SmallDisk {
 public:
     explicit SmallDisk(rlim_t bytes) : m_signal(std::signal(SIGXFSZ, SIG_IGN))
     {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &m_before), 0);
         const struct rlimit small = {bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &small);
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
     }
     SmallDisk(const SmallDisk&) = delete;
     SmallDisk& operator=(const SmallDisk&) = delete;
     ~SmallDisk()
     {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &m_before), 0);
         std::signal(SIGXFSZ, m_signal);
     }
 

@@ -149,7 +149,7 @@ inline constexpr unsigned kTextLoggedPdf = 40213;
 inline constexpr unsigned kTextLoggedNotExported = 40214;
 inline constexpr unsigned kTextLoggedExported = 40215;
 inline constexpr unsigned kTextLoggedOffset = 40216;
-inline constexpr unsigned kTextLoggedNothingPrinted = 40217;
+inline constexpr unsigned kTextLoggedNoPdf = 40217;
 inline constexpr unsigned kTextLoggedNone = 40218;
 inline constexpr unsigned kTextTipLoggedData = 40219;
 inline constexpr unsigned kTextLoggedFailed = 40220;
@@ -160,6 +160,11 @@ inline constexpr unsigned kTextLoggedMore = 40224;
 inline constexpr unsigned kMessageLoadFailed = 40225;
 inline constexpr unsigned kMessageArrangementNotKept = 40226;
 inline constexpr unsigned kMessageArrangementLost = 40227;
+inline constexpr unsigned kTextLoggedNoPages = 40228;
+inline constexpr unsigned kTextLoggedNoKind = 40229;
+inline constexpr unsigned kTextLoggedNoFolder = 40230;
+inline constexpr unsigned kTextLoggedExporting = 40231;
+inline constexpr unsigned kTextLoggedReplace = 40232;
 
 // Table or graph.
 inline constexpr unsigned kTextLoggedGraph = 40260;

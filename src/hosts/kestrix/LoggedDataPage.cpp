@@ -33,18 +33,6 @@ ZRBasicString Text(unsigned id, std::initializer_list<TextArgument> arguments = 
     return FormatText(ZRLoadString(id, text).Text(), arguments);
 }
 
-// Microseconds UTC as date and time of the plant.
-ZRBasicString TimeText(std::int64_t time)
-{
-    const std::int64_t local = PlantZone().ToLocal(time / kMicroseconds) - kFirstDate;
-    if (local < 0 || local >= ZRDateTime::kNoDate) {
-        return {};
-    }
-    ZRBasicString text;
-    return FormatDateTime(text, ZRDateTime(static_cast<std::uint32_t>(local), 0), LocaleInformationWide(),
-                          logger::kRow);
-}
-
 // Mebibytes with one decimal.
 ZRBasicString SizeText(std::uint64_t bytes)
 {
@@ -82,9 +70,9 @@ ZRBasicString StateText(const RecorderNodeFigures& node)
         case RecorderNodeState::Resending:
             return Text(kTextLoggedResending);
         case RecorderNodeState::Spooling:
-            return Text(kTextLoggedStoreAway, {TimeText(node.since)});
+            return Text(kTextLoggedStoreAway, {PlantTimeText(node.since)});
         case RecorderNodeState::Full:
-            return Text(kTextLoggedNoRoom, {TimeText(node.since)});
+            return Text(kTextLoggedNoRoom, {PlantTimeText(node.since)});
         case RecorderNodeState::Stopped:
             break;
     }
@@ -125,7 +113,7 @@ LoggedDataPage::DataSet DataSetOf(const LoggerDataSet& set, const RecordingStatu
     shown.recorded = CountText(found->counts.recorded);
     shown.notRecorded = CountText(found->counts.Unrecorded());
     shown.reasons = supervision::UnrecordedText(found->counts);
-    shown.last = found->lastTime != 0 ? TimeText(found->lastTime) : Text(kTextLoggedYet);
+    shown.last = found->lastTime != 0 ? PlantTimeText(found->lastTime) : Text(kTextLoggedYet);
     return shown;
 }
 
@@ -167,6 +155,17 @@ LoggedDataPage MakeLoggedDataPage(const RecordingStatus& status, const ZRBasicSt
         page.dataSets.push_back(DataSetOf(set, status, otherProgram.IsEmpty()));
     }
     return page;
+}
+
+ZRBasicString PlantTimeText(std::int64_t time)
+{
+    const std::int64_t local = PlantZone().ToLocal(time / kMicroseconds) - kFirstDate;
+    if (local < 0 || local >= ZRDateTime::kNoDate) {
+        return {};
+    }
+    ZRBasicString text;
+    return FormatDateTime(text, ZRDateTime(static_cast<std::uint32_t>(local), 0), LocaleInformationWide(),
+                          logger::kRow);
 }
 
 ZRBasicString PeriodText(std::int64_t seconds)

@@ -45,6 +45,9 @@ struct LoggedDataPage {
 [[nodiscard]] LoggedDataPage MakeLoggedDataPage(const supervision::RecordingStatus& status,
                                                 const ZRBasicString& otherProgram);
 
+// Date and time of the plant; empty where no date has it. Microseconds UTC since 1970.
+[[nodiscard]] ZRBasicString PlantTimeText(std::int64_t time);
+
 // Seconds in the largest unit that gives a whole number, as "10 min".
 [[nodiscard]] ZRBasicString PeriodText(std::int64_t seconds);
 

@@ -1,5 +1,6 @@
 #include "hosts/kestrix/LoggedVariables.h"
 
+#include "logger/ViewerSettings.h"
 #include "siblings/driversupport/VariableReference.h"
 
 #include <set>
@@ -36,6 +37,23 @@ ZRLoggerInfo LoggedVariables(const std::vector<ZRBasicString>& devices)
         return {};
     }
     return LoggedVariables(devices, sets);
+}
+
+void WantAll(const ZRLoggerInfo& info, XmlNode& root)
+{
+    XmlNode* const vars = root.Node(logger::kSettingsVars);
+    if (vars == nullptr || vars->children.empty()) {
+        return;
+    }
+    std::set<ZRBasicString> listed;
+    for (const XmlNode* const child : vars->children) {
+        listed.insert(child->Value(logger::kSettingsName, u""));
+    }
+    for (const ZRDriverVariable* const variable : info.variables) {
+        if (listed.insert(variable->fullName).second) {
+            vars->NewChild(logger::kSettingsVar)->SetValue(logger::kSettingsName, variable->fullName);
+        }
+    }
 }
 
 }  // namespace zr::desktop

@@ -13,7 +13,15 @@
 namespace zr::desktop {
 namespace {
 
-constexpr std::int64_t kEpoch = 946684800;  // of ZRDateTime, seconds since 1970
+constexpr std::int64_t kEpoch = 946684800;            // of ZRDateTime, seconds since 1970
+constexpr std::size_t kPiece = std::size_t{1} << 20;  // bytes that are written at a time
+
+struct KindExtension {
+    ExportKind kind;
+    const char* extension;
+};
+constexpr KindExtension kExtensions[] = {
+    {ExportKind::Csv, ".csv"}, {ExportKind::Workbook, ".xlsx"}, {ExportKind::Pdf, ".pdf"}};
 
 std::string Quoted(const std::string& cell)
 {
@@ -27,7 +35,66 @@ std::string Quoted(const std::string& cell)
     return quoted + '"';
 }
 
+std::string TitleLine(const ExportedTable& table)
+{
+    std::string line;
+    for (std::size_t i = 0; i < table.titles.size(); ++i) {
+        line += (i > 0 ? "," : "") + Quoted(table.titles[i]);
+    }
+    return line + "\r\n";
+}
+
+void AppendRow(const LoggedRecord& record, const ExportedTable& table, RecordOffsets& offsets, std::string& text)
+{
+    const ZRDateTime& time = record.time;
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    ZRDateTime::DateTime2DMY(time.seconds, day, month, year, true);
+    const unsigned clock = time.seconds % 86400;
+    fmt::format_to(std::back_inserter(text), "{:04}-{:02}-{:02}T{:02}:{:02}:{:02}{}", year + 1999, month, day,
+                   clock / 3600, clock / 60 % 60, clock % 60, OffsetText(offsets.Of(time)));
+    for (const logger::ValueColumn& column : table.values) {
+        text += ',';
+        double value = 0.0;
+        if (column.Read(record, value)) {
+            fmt::format_to(std::back_inserter(text), "{:.{}f}", value, std::max(column.decimals, 0));
+        }
+    }
+    text += "\r\n";
+}
+
 }  // namespace
+
+std::optional<ExportKind> ExportKindOf(const std::filesystem::path& file)
+{
+    std::string extension = TextOfPath(file.extension());
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    for (const auto& [kind, known] : kExtensions) {
+        if (extension == known) {
+            return kind;
+        }
+    }
+    return std::nullopt;
+}
+
+const char* ExtensionOf(ExportKind kind)
+{
+    return std::find_if(std::begin(kExtensions), std::end(kExtensions),
+                        [&](const auto& row) { return row.kind == kind; })
+        ->extension;
+}
+
+ZRBasicString FileTitleOf(const ZRBasicString& name)
+{
+    constexpr std::u16string_view kNotInNames = u"/\\:*?\"<>|";
+    std::u16string title(name.Text());
+    std::replace_if(
+        title.begin(), title.end(),
+        [&](char16_t c) { return c < u' ' || kNotInNames.find(c) != std::u16string_view::npos; }, u'_');
+    return ZRBasicString(title);
+}
 
 void SetColumns(ExportedTable& table, const ZRTableProfile& profile, const ZRLoggerInfo& info)
 {
@@ -81,33 +148,40 @@ std::string OffsetText(std::int32_t seconds)
     return fmt::format("{}{:02}:{:02}", seconds < 0 ? '-' : '+', minutes / 60, minutes % 60);
 }
 
-bool WriteCsv(const ExportedTable& table, const std::filesystem::path& file, std::string& reason)
+bool ExportProgress::Next()
 {
-    std::string text;
-    for (std::size_t i = 0; i < table.titles.size(); ++i) {
-        text += (i > 0 ? "," : "") + Quoted(table.titles[i]);
-    }
-    text += "\r\n";
-    RecordOffsets offsets(table.zone);
-    for (auto record = table.group->first; record != table.group->last; ++record) {
-        const ZRDateTime& time = (*record)->time;
-        int year = 0;
-        int month = 0;
-        int day = 0;
-        ZRDateTime::DateTime2DMY(time.seconds, day, month, year, true);
-        const unsigned clock = time.seconds % 86400;
-        fmt::format_to(std::back_inserter(text), "{:04}-{:02}-{:02}T{:02}:{:02}:{:02}{}", year + 1999, month, day,
-                       clock / 3600, clock / 60 % 60, clock % 60, OffsetText(offsets.Of(time)));
-        for (const logger::ValueColumn& column : table.values) {
-            text += ',';
-            double value = 0.0;
-            if (column.Read(**record, value)) {
-                fmt::format_to(std::back_inserter(text), "{:.{}f}", value, std::max(column.decimals, 0));
-            }
+    if (m_progress != nullptr && m_done % kStep == 0) {
+        m_progress->SetPos(static_cast<int>(std::int64_t{m_done} * m_percent / std::max(m_records, 1)));
+        if (m_progress->IsCancelled()) {
+            return false;
         }
-        text += "\r\n";
     }
-    return WriteFileReplacing(file, text, reason);
+    ++m_done;
+    return true;
+}
+
+bool WriteCsv(const ExportedTable& table, const std::filesystem::path& file, Progress* progress, std::string& reason)
+{
+    ReplacingFile target;
+    if (!target.Open(file, reason)) {
+        return false;
+    }
+    std::string text = TitleLine(table);
+    RecordOffsets offsets(table.zone);
+    ExportProgress walk(progress, table.group->count, 100);
+    for (auto record = table.group->first; record != table.group->last; ++record) {
+        if (!walk.Next()) {
+            return false;
+        }
+        AppendRow(**record, table, offsets, text);
+        if (text.size() >= kPiece) {
+            if (!target.Write(text, reason)) {
+                return false;
+            }
+            text.clear();
+        }
+    }
+    return target.Write(text, reason) && target.Commit(reason);
 }
 
 }  // namespace zr::desktop

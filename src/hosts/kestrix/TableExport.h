@@ -4,14 +4,25 @@
 #include "logger/TableTexts.h"
 #include "profiles/ZRGraphProfile.h"
 #include "siblings/driversupport/ZRLoggerData.h"
+#include "siblings/tools/Progress.h"
 #include "siblings/tools/TimeZone.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace zr::desktop {
+
+// What a file can hold.
+enum class ExportKind { Csv, Workbook, Pdf };
+// By its extension, in small or capital letters; none for another one.
+[[nodiscard]] std::optional<ExportKind> ExportKindOf(const std::filesystem::path& file);
+// With its point.
+[[nodiscard]] const char* ExtensionOf(ExportKind kind);
+// A device or group as the title of a file: what a file system may not take becomes "_".
+[[nodiscard]] ZRBasicString FileTitleOf(const ZRBasicString& name);
 
 // What is exported; must outlive the call.
 struct ExportedTable {
@@ -41,11 +52,32 @@ private:
 // Such as +01:00.
 std::string OffsetText(std::int32_t seconds);
 
-// Each false, with the reason, when the file can't be written; the old one is then as it was.
+// Each false, with the reason, when the file can't be written, and without one when the user stopped it; the old file
+// is then as it was. progress may be null. Any thread, while nobody changes the records; blocks on the disk.
 // UTF-8, RFC 4180: commas, CR LF, a line of titles. Times as 2002-12-30T23:58:07+01:00, numbers with a point, an empty
 // cell for no value.
-bool WriteCsv(const ExportedTable& table, const std::filesystem::path& file, std::string& reason);
+bool WriteCsv(const ExportedTable& table, const std::filesystem::path& file, Progress* progress, std::string& reason);
 // Workbook of one sheet: local times and numbers as such, and a column with the offset from UTC.
-bool WriteXlsx(const ExportedTable& table, const std::filesystem::path& file, std::string& reason);
+bool WriteXlsx(const ExportedTable& table, const std::filesystem::path& file, Progress* progress, std::string& reason);
+
+// Tells every some thousand records how far a walk through them is.
+class ExportProgress {
+public:
+    // progress may be null. percent: the part of the whole work that the walk is.
+    ExportProgress(Progress* progress, int records, int percent)
+        : m_progress(progress), m_records(records), m_percent(percent)
+    {
+    }
+    // Before each record. False: the user has stopped the work.
+    bool Next();
+
+private:
+    static constexpr int kStep = 4096;
+
+    Progress* m_progress;  // Not owned.
+    int m_records;
+    int m_percent;
+    int m_done = 0;
+};
 
 }  // namespace zr::desktop

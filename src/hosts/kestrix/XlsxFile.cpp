@@ -15,6 +15,7 @@ constexpr double kDaysToEpoch = 36526.0;         // 1 January 2000, as a sheet c
 constexpr double kSecondsOfDay = 86400.0;
 constexpr double kTimeWidth = 20.0;  // characters
 constexpr double kValueWidth = 16.0;
+constexpr int kWritten = 60;  // percent of the work: the rest is packing, and reading back
 
 class Sheet {
 public:
@@ -23,21 +24,20 @@ public:
     {
     }
 
-    void Write()
+    // False when the user stopped it.
+    bool Write(Progress* progress)
     {
         WriteTitles();
         lxw_format* const time = workbook_add_format(m_book);
         format_set_num_format(time, "yyyy-mm-dd hh:mm:ss");
-        std::vector<lxw_format*> numbers;
-        for (const logger::ValueColumn& column : m_table.values) {
-            const int decimals = std::clamp(column.decimals, 0, 15);
-            const std::string digits = decimals > 0 ? "0." + std::string(static_cast<std::size_t>(decimals), '0') : "0";
-            numbers.push_back(workbook_add_format(m_book));
-            format_set_num_format(numbers.back(), digits.c_str());
-        }
+        const std::vector<lxw_format*> numbers = NumberFormats();
         RecordOffsets offsets(m_table.zone);
+        ExportProgress walk(progress, m_table.group->count, kWritten);
         lxw_row_t row = 1;
         for (auto record = m_table.group->first; record != m_table.group->last; ++record, ++row) {
+            if (!walk.Next()) {
+                return false;
+            }
             const ZRDateTime& local = (*record)->time;
             worksheet_write_number(m_sheet, row, 0, kDaysToEpoch + local.seconds / kSecondsOfDay, time);
             worksheet_write_string(m_sheet, row, 1, OffsetText(offsets.Of(local)).c_str(), nullptr);
@@ -48,9 +48,22 @@ public:
                 }
             }
         }
+        return true;
     }
 
 private:
+    std::vector<lxw_format*> NumberFormats()
+    {
+        std::vector<lxw_format*> numbers;
+        for (const logger::ValueColumn& column : m_table.values) {
+            const int decimals = std::clamp(column.decimals, 0, 15);
+            const std::string digits = decimals > 0 ? "0." + std::string(static_cast<std::size_t>(decimals), '0') : "0";
+            numbers.push_back(workbook_add_format(m_book));
+            format_set_num_format(numbers.back(), digits.c_str());
+        }
+        return numbers;
+    }
+
     void WriteTitles()
     {
         lxw_format* const bold = workbook_add_format(m_book);
@@ -74,12 +87,9 @@ private:
     const ExportedTable& m_table;
 };
 
-// For its user alone, as every file of ours.
 bool PutInPlace(const std::filesystem::path& part, const std::filesystem::path& file, std::string& reason)
 {
     std::error_code failed;
-    std::filesystem::permissions(part, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
-                                 failed);
     std::filesystem::rename(part, file, failed);
     if (failed) {
         reason = failed.message();
@@ -88,34 +98,56 @@ bool PutInPlace(const std::filesystem::path& part, const std::filesystem::path& 
     return FlushFolder(file.parent_path(), reason);
 }
 
+// Rows go to the disk as they are written.
+bool WriteBook(const ExportedTable& table, const std::filesystem::path& file, Progress* progress, std::string& reason)
+{
+    // It tells why where the library wouldn't, and is for its user alone, as every file of ours.
+    if (!WriteFileReplacing(file, {}, reason)) {
+        return false;
+    }
+    lxw_workbook_options options{};
+    options.constant_memory = LXW_TRUE;
+    lxw_workbook* const book = workbook_new_opt(TextOfPath(file).c_str(), &options);
+    if (book == nullptr) {
+        reason = "not enough memory";
+        return false;
+    }
+    const bool isWritten = Sheet(book, table).Write(progress);
+    const lxw_error error = workbook_close(book);
+    if (!isWritten) {
+        return false;
+    }
+    if (error != LXW_NO_ERROR) {
+        reason = lxw_strerror(error);
+        return false;
+    }
+    if (!HoldsRows(file, std::int64_t{table.group->count} + 1)) {
+        reason = "not all of it could be written; the disk may be full, or the folder of temporary files";
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
-bool WriteXlsx(const ExportedTable& table, const std::filesystem::path& file, std::string& reason)
+bool WriteXlsx(const ExportedTable& table, const std::filesystem::path& file, Progress* progress, std::string& reason)
 {
     if (table.group->count > kMostRows) {
         reason = "a sheet holds 1048575 records at most";
         return false;
     }
-    // Rows go to the disk as they are written; the whole is put in place at the end.
-    const std::filesystem::path part = file.parent_path() / (file.filename().string() + ".part");
-    lxw_workbook_options options{};
-    options.constant_memory = LXW_TRUE;
-    lxw_workbook* const book = workbook_new_opt(TextOfPath(part).c_str(), &options);
-    if (book == nullptr) {
-        reason = "can't be written";
-        return false;
+    std::error_code failed;
+    std::filesystem::path target = std::filesystem::weakly_canonical(file, failed);  // where a link leads
+    if (failed) {
+        target = file;
     }
-    Sheet(book, table).Write();
-    const lxw_error error = workbook_close(book);
-    if (error != LXW_NO_ERROR) {
-        reason = lxw_strerror(error);
-    } else if (!HoldsRows(part, std::int64_t{table.group->count} + 1)) {
-        reason = "not all of it could be written; the disk may be full, or the folder of temporary files";
-    } else if (PutInPlace(part, file, reason)) {
+    // The whole is put in place at the end.
+    std::filesystem::path part = target;
+    part += ".part";
+    if (WriteBook(table, part, progress, reason) && PutInPlace(part, target, reason)) {
         return true;
     }
-    std::error_code ignored;
-    std::filesystem::remove(part, ignored);
+    std::filesystem::remove(part, failed);
     return false;
 }
 

@@ -1,6 +1,7 @@
 #include "logger/ui/ZRVirtualLoggerDataExplorer.h"
 
 #include "dialogs/ui/CGoToDateDlg.h"
+#include "logger/ui/FillMenu.h"
 #include "logger/ui/ZRVirtualLoggerDataGraphicViewer.h"
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 #include "platform/ui/AfxMessageBox.h"
@@ -10,7 +11,6 @@
 #include "siblings/tools/ZRLoadString.h"
 
 #include <algorithm>
-#include <map>
 #include <QCloseEvent>
 #include <thread>
 
@@ -27,44 +27,6 @@ std::u16string Wide(unsigned id)
 {
     ZRBasicString text;
     return std::u16string(ZRLoadString(id, text).Text());
-}
-
-// Menus that a host has filled, by the command of their button.
-using HostMenus = std::map<unsigned, CMenu*>;
-
-// The menu of an entry; null for a plain one.
-CMenu* SubMenuOf(const ExplorerMenuEntry& entry, QWidget* target, const HostMenus& hostMenus);
-
-// A menu as it is told without Qt.
-void Fill(CMenu& menu, const ExplorerMenu& entries, QWidget* target, const HostMenus& hostMenus = {})
-{
-    for (const ExplorerMenuEntry& entry : entries) {
-        if (CMenu* const popup = SubMenuOf(entry, target, hostMenus); popup != nullptr) {
-            popup->setParent(&menu, popup->windowFlags());
-            menu.AppendMenu(*popup);
-            continue;
-        }
-        menu.AppendMenu(entry.command, entry.text.Text());
-        menu.FindItem(entry.command)->setEnabled(entry.isEnabled);
-    }
-    for (const ExplorerMenuEntry& entry : entries) {
-        if (entry.isChecked) {
-            menu.CheckMenuRadioItem(entries.front().command, entries.back().command, entry.command);
-        }
-    }
-}
-
-CMenu* SubMenuOf(const ExplorerMenuEntry& entry, QWidget* target, const HostMenus& hostMenus)
-{
-    if (const auto host = hostMenus.find(entry.command); host != hostMenus.end()) {
-        return host->second;
-    }
-    if (entry.subMenu.empty()) {
-        return nullptr;
-    }
-    auto* const popup = new CMenu(target, entry.text.Text());
-    Fill(*popup, entry.subMenu, target);
-    return popup;
 }
 
 class ButtonState final : public CCmdUI {
@@ -246,6 +208,11 @@ void ZRVirtualLoggerDataExplorer::ShowNow()
 {
     UpdateCommands();
     OnShown();
+    CloseIfAsked();
+}
+
+void ZRVirtualLoggerDataExplorer::CloseIfAsked()
+{
     if (!m_isInCommand && std::exchange(m_closesLater, false)) {
         QMetaObject::invokeMethod(
             this, [this] { close(); }, Qt::QueuedConnection);
@@ -274,25 +241,31 @@ void ZRVirtualLoggerDataExplorer::UpdateCommands()
     }
 }
 
-// The loader waits for the dialog, and has ended when this returns, even where the program's end has taken the dialog's
-// loop away.
 void ZRVirtualLoggerDataExplorer::RunLoad(const std::function<void(zr::Progress&)>& work)
 {
+    m_wasLoadStopped = !RunUnderProgress(kTextLoading, work);
+}
+
+// The worker waits for the dialog, and has ended when this returns, even where the program's end has taken the dialog's
+// loop away.
+bool ZRVirtualLoggerDataExplorer::RunUnderProgress(unsigned title, const std::function<void(zr::Progress&)>& work)
+{
     CDlgProgress dialog(this);
-    const ZRBasicString title(Wide(kTextLoading));
+    const ZRBasicString titleText(Wide(title));
     m_loading = &dialog;
-    std::thread loader([&] {
+    std::thread worker([&] {
         dialog.WaitForWindow();
-        dialog.SetTitle(title);
+        dialog.SetTitle(titleText);
         dialog.SetText(kLoadingText);
         work(dialog);
         dialog.End(true);
     });
     dialog.DoModal();
-    m_wasLoadStopped = dialog.IsCancelled();
+    const bool wasStopped = dialog.IsCancelled();
     dialog.Cancel();
-    loader.join();
+    worker.join();
     m_loading = nullptr;
+    return !wasStopped;
 }
 
 bool ZRVirtualLoggerDataExplorer::ChooseDate(const COleDateTime& offered, ZRDateTime& chosen)
@@ -311,13 +284,13 @@ bool ZRVirtualLoggerDataExplorer::ChooseDate(const COleDateTime& offered, ZRDate
 
 bool ZRVirtualLoggerDataExplorer::CreateGroupByMenu(CMenu& menu)
 {
-    Fill(menu, m_explorer.GroupByMenu(), this);
+    zr::ui::FillMenu(menu, m_explorer.GroupByMenu(), this, zr::ui::MenuMark::Radio);
     return true;
 }
 
 bool ZRVirtualLoggerDataExplorer::CreatePeriodMenu(CMenu& menu)
 {
-    Fill(menu, m_explorer.PeriodMenu(), this);
+    zr::ui::FillMenu(menu, m_explorer.PeriodMenu(), this, zr::ui::MenuMark::Radio);
     return true;
 }
 
@@ -352,7 +325,7 @@ void ZRVirtualLoggerDataExplorer::OnChevronPushed(const QRect& chevron)
                            {place.left(), place.right() + 1}});
     }
     const QRect visible = m_reBar.GetBandRect();
-    HostMenus hostMenus;
+    zr::ui::FilledMenus hostMenus;
     const auto subMenu = [&](unsigned command, ExplorerMenu& entries) {
         if (m_explorer.DropDownMenu(command, entries)) {
             return true;
@@ -370,7 +343,7 @@ void ZRVirtualLoggerDataExplorer::OnChevronPushed(const QRect& chevron)
     }
     auto* const menu = new CMenu(this, {});
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    Fill(*menu, entries, this, hostMenus);
+    zr::ui::FillMenu(*menu, entries, this, zr::ui::MenuMark::Radio, hostMenus);
     menu->popup(m_reBar.mapToGlobal(chevron.bottomLeft()));
 }
 

@@ -82,7 +82,7 @@ public:
     // Null before Setup.
     [[nodiscard]] ZRLoggerData* Data() { return m_explorer.Data(); }
     [[nodiscard]] ZRVirtualLoggerDataViewer* Viewer() const { return viewer.get(); }
-    // Null but while data are loaded.
+    // Null but while data are loaded, or a host's work runs.
     [[nodiscard]] CDlgProgress* Loading() const { return m_loading; }
     // Whether the user has stopped the last load, so that not all may be there.
     [[nodiscard]] bool WasLoadStopped() const { return m_wasLoadStopped; }
@@ -99,6 +99,11 @@ protected:
     virtual void OnSize(int width, int height);
     // The window goes: the viewer keeps its settings. Once.
     virtual void OnDestroy();
+    // Runs work on a thread of its own, under a modal dialog of that title, and returns when it is over. It may read
+    // the records shown. False when the user has stopped it. Blocks; the window stays alive.
+    bool RunUnderProgress(unsigned title, const std::function<void(zr::Progress&)>& work);
+    // Behind such work: the window goes where it was closed meanwhile.
+    void CloseIfAsked();
     // Runs a command of the explorer, if it is enabled.
     void RunCommand(unsigned command);
     // Enables the buttons.

@@ -2,10 +2,10 @@
 
 #include "logger/FormatDateTime.h"
 #include "logger/GraphMenu.h"
+#include "logger/ui/FillMenu.h"
 #include "platform/ui/AfxMessageBox.h"
 #include "platform/ui/CDC.h"
 #include "platform/ui/CDialog.h"
-#include "platform/ui/CMenu.h"
 #include "siblings/support/ui/ZRPrintPreviewDialog.h"
 #include "siblings/tools/ZRLoadString.h"
 
@@ -16,21 +16,6 @@
 namespace {
 
 using namespace zr::logger;
-
-void Fill(CMenu& menu, const ExplorerMenu& entries)
-{
-    for (const ExplorerMenuEntry& entry : entries) {
-        if (entry.command == 0) {
-            menu.AppendSeparator();
-            continue;
-        }
-        menu.AppendMenu(entry.command, entry.text.Text());
-        menu.FindItem(entry.command)->setEnabled(entry.isEnabled);
-        if (entry.isChecked) {
-            menu.CheckMenuItem(entry.command, true);
-        }
-    }
-}
 
 // With the pictures of a question, and no answer that is the default.
 bool AsksYes(unsigned text)
@@ -103,6 +88,7 @@ bool ZRVirtualLoggerDataGraphicViewer::OnConfig()
 void ZRVirtualLoggerDataGraphicViewer::OnDestroy()
 {
     m_layout.OnDestroy();
+    ZRVirtualLoggerDataViewer::OnDestroy();
 }
 
 void ZRVirtualLoggerDataGraphicViewer::OnEraseBkgnd(QPainter& painter)
@@ -138,7 +124,7 @@ void ZRVirtualLoggerDataGraphicViewer::OnRButtonUp(QPoint place)
     }
     auto* const menu = new CMenu(this, {});
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    Fill(*menu, GraphMenu(m_graph->mode, !m_graph->zoomHistory.empty()));
+    zr::ui::FillMenu(*menu, GraphMenu(m_graph->mode, !m_graph->zoomHistory.empty()), this, zr::ui::MenuMark::Check);
     menu->popup(place);
 }
 

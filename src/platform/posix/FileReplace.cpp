@@ -141,6 +141,21 @@ bool ReplacingFile::Commit(std::string& reason)
     return FlushFolder(state->folder, reason);
 }
 
+bool PutFileInPlace(const std::filesystem::path& written, const std::filesystem::path& target, std::string& reason)
+{
+    FileDescriptor descriptor(::open(written.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!descriptor.IsOpen() || ::fchmod(descriptor.Get(), S_IRUSR | S_IWUSR) != 0) {
+        return FailBySystem(reason, "can't be opened");
+    }
+    if (::fsync(descriptor.Get()) != 0) {
+        return FailBySystem(reason, "can't be flushed");
+    }
+    if (::rename(written.c_str(), target.c_str()) != 0) {
+        return FailBySystem(reason, "can't be replaced");
+    }
+    return FlushFolder(target.has_parent_path() ? target.parent_path() : ".", reason);
+}
+
 bool FlushFolder(const std::filesystem::path& folder, std::string& reason)
 {
     const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));

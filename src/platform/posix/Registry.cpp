@@ -314,8 +314,11 @@ std::int32_t RegSetValueExW(HKEY key, const char16_t* name, std::uint32_t reserv
     RegistryValue value;
     value.type = type;
     value.bytes.assign(data, data + size);
-    return state.hives[opened.hive].Modify(
-        [&](RegistryFile& content) { content.SetValue(opened.path, NameOf(name), value); });
+    Hive& hive = state.hives[opened.hive];
+    if (hive.Refresh() && hive.Content().Value(opened.path, NameOf(name)) == value) {
+        return ERROR_SUCCESS;  // It stands there, and each replacement waits for the disk.
+    }
+    return hive.Modify([&](RegistryFile& content) { content.SetValue(opened.path, NameOf(name), value); });
 }
 
 std::int32_t RegCloseKey(HKEY key)

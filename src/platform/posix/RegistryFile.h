@@ -13,6 +13,8 @@ namespace zr {
 struct RegistryValue {
     std::uint32_t type = 0;
     std::string bytes;
+
+    friend bool operator==(const RegistryValue&, const RegistryValue&) = default;
 };
 
 // Lines are kept in their order and as they stand, save for the ones that are set. Not thread-safe.

@@ -45,8 +45,11 @@ void CReBar::Layout()
     // Always as wide as its buttons: the chevron is the strip's.
     const int needed = m_bar->sizeHint().width();
     m_bar->setGeometry(0, 0, needed, height());
-    // Buttons have their places only then, whether the strip has been shown or not.
-    m_bar->layout()->activate();
+    if (m_bar->layout() != nullptr) {
+        // The places of the buttons are asked for below, maybe before the first event.
+        m_bar->layout()->invalidate();
+        m_bar->layout()->setGeometry(m_bar->rect());
+    }
     const bool fits = needed <= width();
     const int room = fits ? width() : width() - m_chevron->sizeHint().width();
     int visible = room;

@@ -6,6 +6,16 @@
 #include <windows.h>
 
 namespace zr {
+namespace {
+
+// Write-through stands in for the flush of the folder.
+bool MoveOver(const std::filesystem::path& from, const std::filesystem::path& to, std::string& reason)
+{
+    return ::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) ||
+           FailBySystem(reason, "can't be replaced");
+}
+
+}  // namespace
 
 bool ReadWholeFile(const std::filesystem::path& path, std::size_t limit, std::string& out, std::string& reason)
 {
@@ -92,13 +102,25 @@ bool ReplacingFile::Commit(std::string& reason)
         return FailBySystem(reason, "can't be flushed");
     }
     state->file.Close();
-    // Write-through stands in for the flush of the folder.
-    if (!::MoveFileExW(state->temporary.c_str(), state->target.c_str(),
-                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-        return FailBySystem(reason, "can't be replaced");
+    if (!MoveOver(state->temporary, state->target, reason)) {
+        return false;
     }
     state->temporary.clear();
     return true;
+}
+
+bool PutFileInPlace(const std::filesystem::path& written, const std::filesystem::path& target, std::string& reason)
+{
+    Handle file(
+        ::CreateFileW(written.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file.IsOpen()) {
+        return FailBySystem(reason, "can't be opened");
+    }
+    if (!::FlushFileBuffers(file.Get())) {
+        return FailBySystem(reason, "can't be flushed");
+    }
+    file.Close();
+    return MoveOver(written, target, reason);
 }
 
 // Write-through and the journal of the file system stand in for it.

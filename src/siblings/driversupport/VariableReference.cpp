@@ -5,7 +5,6 @@ namespace {
 constexpr wchar kVariableMark = u'.';
 constexpr wchar kHourMark = u'@';
 constexpr wchar kFilterMark = u'#';
-constexpr int kTitleWithinOneDevice = 5;
 
 using View = ZRBasicString::View;
 
@@ -47,6 +46,16 @@ void SplitFilterDriverVariable(const ZRBasicString& in, ZRBasicString& filter, Z
     variable = ZRBasicString(variablePart);
 }
 
+ZRBasicString DriverOf(const ZRBasicString& reference)
+{
+    ZRBasicString filter;
+    ZRBasicString hour;
+    ZRBasicString driver;
+    ZRBasicString variable;
+    SplitFilterDriverVariable(reference, filter, hour, driver, variable);
+    return driver;
+}
+
 void JoinFilterDriverVariable(const ZRBasicString& filter, const ZRBasicString& discriminator,
                               const ZRBasicString& driver, const ZRBasicString& variable, ZRBasicString& out)
 {
@@ -86,7 +95,7 @@ ZRBasicString& GetTitleVariable(ZRVariable& variable, ZRBasicString& out, int mo
     const ZRBasicString description = info.description;
 
     ZRBasicString title;
-    if (mode != kTitleWithinOneDevice && !driver.IsEmpty()) {
+    if (mode != zr::kTitleInDevice && !driver.IsEmpty()) {
         title += driver;
         title += u' ';
     }

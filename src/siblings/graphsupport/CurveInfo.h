@@ -24,7 +24,7 @@ struct LOGBRUSH {
     unsigned long lbHatch = 0;
 };
 
-// A limit that isn't there.
+// A limit that isn't there. Meant: nobody can have this number as a limit.
 inline constexpr double kNoLimit = 2147483647.0;
 
 // A plain value.

@@ -16,9 +16,6 @@ namespace zr::graph {
 
 namespace {
 
-constexpr int kTitleWithinOneDevice = 5;
-constexpr int kTitleAmongDevices = 7;
-
 CurveShape ShapeOf(int infoCode, bool hasPeriod)
 {
     if (infoCode == static_cast<int>(VariableClass::Counter) && hasPeriod) {
@@ -27,20 +24,10 @@ CurveShape ShapeOf(int infoCode, bool hasPeriod)
     return infoCode == static_cast<int>(VariableClass::State) ? CurveShape::Steps : CurveShape::Line;
 }
 
-ZRBasicString DeviceOf(const ZRDriverVariable& variable)
-{
-    ZRBasicString filter;
-    ZRBasicString hour;
-    ZRBasicString driver;
-    ZRBasicString name;
-    SplitFilterDriverVariable(variable.fullName, filter, hour, driver, name);
-    return driver;
-}
-
 bool AreOfSeveralDevices(const std::vector<ZRDriverVariable*>& variables)
 {
     return std::any_of(variables.begin(), variables.end(), [&](const ZRDriverVariable* variable) {
-        return DeviceOf(*variable) != DeviceOf(*variables.front());
+        return DriverOf(variable->fullName) != DriverOf(variables.front()->fullName);
     });
 }
 
@@ -59,7 +46,7 @@ GraphCurve Describe(const CurveInfo& given, ZRDriverVariable& variable, int titl
     curve.unitsExponent = info.unitsExponent;
     curve.decimals = std::clamp(info.unitsDecimals, 0, kMaxDecimals);
     curve.column.factor = std::pow(10.0, info.valueExponent - info.unitsExponent);
-    curve.column.isFolded = info.measureUnits == kPowerFactorUnit;
+    curve.column.isFolded = info.measureUnits == static_cast<int>(MeasureUnit::PowerFactor);
     curve.column.shape = ShapeOf(info.infoCode, hasPeriod);
     MeasureUnitsText(curve.unit, info.measureUnits, info.unitsExponent);
     return curve;
@@ -163,7 +150,7 @@ GraphCurves MakeGraphCurves(std::span<const CurveInfo> given, const ZRLoggerInfo
             variables.push_back(all[static_cast<std::size_t>(curve.index)]);
         }
     }
-    const int titleMode = AreOfSeveralDevices(variables) ? kTitleAmongDevices : kTitleWithinOneDevice;
+    const int titleMode = AreOfSeveralDevices(variables) ? kTitleAmongDevices : kTitleInDevice;
     GraphCurves result;
     result.curves.reserve(shown.size());
     for (std::size_t i = 0; i < shown.size(); ++i) {

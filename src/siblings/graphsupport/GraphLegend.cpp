@@ -89,7 +89,7 @@ public:
                                   -1});
     }
 
-    void PutEntry(const LegendEntry& entry, const Rect& place, std::optional<std::int64_t> time)
+    void PutEntry(const LegendEntry& entry, const Rect& place, const std::optional<std::int64_t>& time)
     {
         const double scale = m_target.scale;
         const int top = place.top + Scaled(kTop, scale) + entry.row * m_line;
@@ -221,7 +221,10 @@ void AppendLegend(const Legend& legend, const GraphState& state, const GraphTarg
         return;
     }
     // Paper has units only: what is at one moment belongs to the pointer.
-    const std::optional<std::int64_t> time = target.isPaper ? std::nullopt : TimeOfReadings(state);
+    std::optional<std::int64_t> time;
+    if (!target.isPaper) {
+        time = TimeOfReadings(state);
+    }
     LegendPainter painter(state, target, out);
     if (time && legend.dateWidth > 0 && !places.empty() && !places[0].IsEmpty()) {
         painter.PutDate(places[0], legend.dateWidth, *time);

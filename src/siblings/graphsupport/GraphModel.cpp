@@ -96,14 +96,6 @@ void GraphModel::Clear()
     m_parts->ChangeShown();
 }
 
-void GraphModel::BeginReplacing()
-{
-    m_parts->EndDrag();
-    m_parts->state.hasData = false;
-    m_parts->SetHighlight(-1);
-    m_parts->ChangeOver();
-}
-
 GraphChanges GraphModel::TakeChanges()
 {
     return std::exchange(m_parts->changes, {});

@@ -48,8 +48,6 @@ struct GraphChanges {
     bool under = false;  // the scene as a whole: curves are to be drawn again
     bool over = false;   // only what lies over the curves
     bool shown = false;  // what GRN_SHOWN tells of
-
-    [[nodiscard]] bool Any() const { return under || over || shown; }
 };
 
 // For the status line. Curves never hide that they are reduced.
@@ -63,9 +61,9 @@ struct GraphStatus {
 // Curves in horizontal zones over one scale of time. The curves stand in the order given; neighbours of one zone and
 // one unit share a value scale. A curve whose index isn't in the list of variables isn't shown.
 //
-// Order of use: SetTarget and SetDateText at any time; Update for other curves or data, Clear to let go of them;
-// between BeginReplacing and the next Update or Clear the records are not touched. After each operation that isn't
-// const the window asks TakeChanges() and paints Scene(). Nothing is called back. UI thread only.
+// Order of use: SetTarget and SetDateText at any time; Update for other curves or data, Clear to let go of them. While
+// records are replaced, only these and TakeChanges, Mode, History and InView may be called. After each operation that
+// isn't const the window asks TakeChanges() and paints Scene(). Nothing is called back. UI thread only.
 //
 // Only the time is zoomed; the automatic limits follow what is in view. Never less is in view than a millisecond, nor
 // than two samples' distance of a group with a period, and never anything outside the window of time.
@@ -89,8 +87,6 @@ public:
                 const ZRLoggerInfo& info, const ZRLoggerData::CRecordGroup* group);
     // No curves and no data. The window of time stays.
     void Clear();
-    // The records go away: ends a drag. What is asked of the curves is empty until the next Update or Clear.
-    void BeginReplacing();
     // For other texts: language, formats of numbers and dates.
     void TextsChanged();
 

@@ -98,14 +98,6 @@ public:
 
     void EndDrag() { Note(pointer.Cancel(state)); }
 
-    void SetHighlight(int curve)
-    {
-        if (state.highlighted != curve) {
-            state.highlighted = curve;
-            ChangeOver();
-        }
-    }
-
 private:
     std::unique_ptr<GraphPlan> m_plan;
     std::unique_ptr<GraphScene> m_scene;

@@ -23,6 +23,9 @@ bool GraphView::SetWhole(Zoom whole, std::int64_t leastLength)
     m_isTurning = false;
     if (AreEqual(whole, m_whole)) {
         m_view = Held(m_view);
+        if (!IsZoomed()) {
+            m_history.clear();
+        }
         return false;
     }
     m_whole = whole;

@@ -3,9 +3,6 @@
 
 namespace zr::graph {
 
-// The unit code of a power factor.
-inline constexpr int kPowerFactorUnit = 7;
-
 inline constexpr double kFoldedEnd = 2.0;
 
 constexpr double Unfold(double folded)

@@ -101,6 +101,12 @@ TEST_P(ZRGraphAtSizesTest, PaintsConsumptionAsBars)
     EXPECT_TRUE(isFilled(0.64, 0.12));
     EXPECT_TRUE(isFilled(0.64, 0.69));
     EXPECT_FALSE(isFilled(0.64, 0.82));
+    // Nothing where nothing was recorded, at any height.
+    const QRect& panel = picture.Panels().front();
+    for (int row = panel.top() + 1; row < panel.bottom(); ++row) {
+        const QRgb pixel = picture.Image().pixel(picture.Place(0, 0.9, 0.0).x(), row);
+        ASSERT_LE(qRed(pixel), qGreen(pixel) + 60) << row;
+    }
 }
 
 TEST_P(ZRGraphAtSizesTest, PaintsStatesAsSteps)
@@ -446,6 +452,9 @@ TEST_F(ZRGraphTest, TouchesNoRecordsWhileTheDataAreReplaced)
     Key(Qt::Key_Plus);
     graph->UndoZoom();
     graph->SetMode(0);
+    graph->SetDateText(&FormatDateTime);
+    QEvent otherLanguage(QEvent::LanguageChange);
+    QApplication::sendEvent(graph, &otherLanguage);
     EXPECT_FALSE(graph->CopyToClipboard(false));
     EXPECT_EQ(graph->RecordsPerColumn(), 0.0);
     parent.resize(650, 420);

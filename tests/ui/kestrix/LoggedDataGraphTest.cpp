@@ -113,6 +113,25 @@ TEST_F(LoggedDataGraphTest, OpensAsItWasSeenLast)
     EXPECT_EQ(other->SelectedViewer(), kTableViewer);
 }
 
+TEST_F(LoggedDataGraphTest, ArrowsGoToOtherTimesUntilTheGraphIsZoomed)
+{
+    LoggedDataWindow& window = OpenGraph();
+    const ZRDateTime shown = window.Window().dateFrom;
+    Press(window, Qt::Key_Left);
+    EXPECT_LT(window.Window().dateFrom, shown);
+    Press(window, Qt::Key_Right);
+    EXPECT_EQ(window.Window().dateFrom, shown);
+    ZRGraph& graph = Viewer(window).Graph();
+    Press(window, Qt::Key_Plus);
+    Press(window, Qt::Key_Right);
+    const graph::Zoom before = graph.InView();
+    Press(window, Qt::Key_Left);
+    EXPECT_LT(graph.InView().from, before.from);
+    EXPECT_EQ(window.Window().dateFrom, shown);
+    Press(window, Qt::Key_Left, Qt::AltModifier);
+    EXPECT_LT(window.Window().dateFrom, shown);
+}
+
 TEST_F(LoggedDataGraphTest, TheStatusLineTellsOfRecordsAndZoom)
 {
     LoggedDataWindow& window = OpenGraph();

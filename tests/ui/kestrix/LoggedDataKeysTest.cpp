@@ -1,10 +1,13 @@
+#include "hosts/kestrix/ui/UiTexts.h"
 #include "LoggedDataFixture.h"
 
+#include <QAction>
 #include <QClipboard>
 #include <QHeaderView>
 #include <QMimeData>
 #include <QPrintDialog>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTimer>
 
 namespace zr::desktop {
@@ -181,6 +184,32 @@ TEST_F(LoggedDataKeysTest, ScrollsSidewaysWithCtrl)
     EXPECT_LT(bar.value(), bar.maximum());
     EXPECT_EQ(m_window->Window().dateFrom, shown);
     EXPECT_EQ(Selected(), 0);
+}
+
+TEST_F(LoggedDataKeysTest, TheListOfKeysHasEveryKey)
+{
+    OpenOnAll();
+    std::vector<QString> keys;
+    for (const QAction* const action : m_frame->findChildren<QAction*>()) {
+        keys.push_back(action->shortcut().toString(QKeySequence::PortableText));
+    }
+    for (const QWidget* const window : {static_cast<QWidget*>(m_frame.get()), static_cast<QWidget*>(m_window)}) {
+        for (const QShortcut* const shortcut : window->findChildren<QShortcut*>()) {
+            keys.push_back(shortcut->key().toString(QKeySequence::PortableText));
+        }
+    }
+    EXPECT_GT(keys.size(), 20U);
+    QStringList listed;
+    for (const QString& line : LoadText(kTextKeys).split('\n')) {
+        listed += line.section('\t', 0, 0).split(", ");
+    }
+    const QList<QKeySequence> copies = QKeySequence::keyBindings(QKeySequence::Copy);
+    for (const QString& key : keys) {
+        // Of those that copy one is enough.
+        if (!key.isEmpty() && (key == "Ctrl+C" || !copies.contains(QKeySequence(key)))) {
+            EXPECT_TRUE(listed.contains(key)) << key.toStdString();
+        }
+    }
 }
 
 // A million texts would be made to find none.

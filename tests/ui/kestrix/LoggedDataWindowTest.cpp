@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QMimeData>
 #include <QPointer>
+#include <QToolButton>
 
 namespace zr::desktop {
 namespace {
@@ -27,6 +28,21 @@ TEST_F(LoggedDataWindowTest, OpensOnWhatIsRecordedOfTheSelectedDevice)
     EXPECT_EQ(window->windowTitle().toStdString().substr(0, 22), "Logged data of METER-1");
     EXPECT_EQ(List(*window).GetColumnCount(), 3);
     EXPECT_TRUE(test::KeepPicture(window->grab().toImage(), "logged-data.png"));
+}
+
+TEST_F(LoggedDataWindowTest, OpensWideEnoughForItsButtonsInEveryLanguage)
+{
+    StartWithData();
+    for (const char* const language : {"en", "de", "es"}) {
+        ASSERT_TRUE(m_frame->UseLanguage(language));
+        const QPointer<LoggedDataWindow> window = OpenFor(u"METER-1");
+        ASSERT_FALSE(window.isNull());
+        Settle();
+        const auto* const chevron = window->findChild<QToolButton*>(QStringLiteral("chevron"));
+        ASSERT_NE(chevron, nullptr);
+        EXPECT_FALSE(chevron->isVisible()) << language << ' ' << window->width();
+        delete window;
+    }
 }
 
 TEST_F(LoggedDataWindowTest, OpensSeveralAtOnceAndEachOnce)

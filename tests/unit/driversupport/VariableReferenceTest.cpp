@@ -32,6 +32,14 @@ TEST(VariableReferenceTest, SplitsEveryForm)
     EXPECT_EQ(Split(u""), (Parts{u"", u"", u"", u""}));
 }
 
+TEST(VariableReferenceTest, TheDriverIsThatOfTheWholeReference)
+{
+    EXPECT_EQ(DriverOf(u"F.MVDF@A#D.V"), u"D");
+    EXPECT_EQ(DriverOf(u"D.V"), u"D");
+    EXPECT_EQ(DriverOf(u"F.MVDF#D"), u"");
+    EXPECT_EQ(DriverOf(u"D"), u"");
+}
+
 TEST(VariableReferenceTest, APlainReferenceHasNoFilterAndNoDiscriminator)
 {
     const Parts parts = Split(u"DEV.VAR");

@@ -1,8 +1,11 @@
 #include "siblings/graphsupport/CalendarStep.h"
 
 #include "support/ZoneChanges.h"
+#include "unit/graphsupport/RuleZone.h"
 
 #include <gtest/gtest.h>
+#include <algorithm>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -137,6 +140,121 @@ TEST(CalendarStep, TimesBefore1970HavePlacesToo)
     EXPECT_EQ(Places({Unit::Microsecond, kHour}, -kHour - 1, 1, TimeZone()), (std::vector<std::int64_t>{-kHour, 0}));
     EXPECT_EQ(Places({Unit::Day, 1}, -kMicrosOfDay - 1, 1, TimeZone()), (std::vector<std::int64_t>{-kMicrosOfDay, 0}));
 }
+
+// The local clock around a change, read minute by minute without a TimeZone.
+class ClockWalk {
+public:
+    // From a minute to another, UTC, both included.
+    ClockWalk(const test::RuleZone& zone, std::int64_t from, std::int64_t to) : m_from(from)
+    {
+        const auto changes = test::ChangesOf(zone);
+        int offset = test::FirstOffset(zone);
+        std::size_t next = 0;
+        for (std::int64_t minute = from; minute <= to; ++minute) {
+            for (; next < changes.size() && changes[next].first <= minute; ++next) {
+                offset = changes[next].second;
+            }
+            m_locals.push_back(minute + offset);
+        }
+    }
+
+    // Where the clock shows a multiple of so many minutes.
+    [[nodiscard]] std::vector<std::int64_t> Multiples(std::int64_t minutes) const
+    {
+        std::vector<std::int64_t> places;
+        for (std::size_t i = 0; i < m_locals.size(); ++i) {
+            if (m_locals[i] % minutes == 0) {
+                places.push_back(MicrosAt(i));
+            }
+        }
+        return places;
+    }
+    // Where a day begins that no minute before it belongs to, of those that are wanted; the first day is not known to
+    // begin.
+    template <typename IsWanted>
+    [[nodiscard]] std::vector<std::int64_t> Days(IsWanted isWanted) const
+    {
+        std::vector<std::int64_t> places;
+        std::int64_t latest = m_locals.front() / kMinutesOfDay;
+        for (std::size_t i = 0; i < m_locals.size(); ++i) {
+            const std::int64_t day = m_locals[i] / kMinutesOfDay;
+            if (day > latest) {
+                latest = day;
+                if (isWanted(std::chrono::sys_days(std::chrono::days(day)))) {
+                    places.push_back(MicrosAt(i));
+                }
+            }
+        }
+        return places;
+    }
+
+private:
+    static constexpr std::int64_t kMinutesOfDay = 1440;
+
+    [[nodiscard]] std::int64_t MicrosAt(std::size_t i) const
+    {
+        return (m_from + static_cast<std::int64_t>(i)) * 60 * kMicrosOfSecond;
+    }
+
+    std::int64_t m_from;
+    std::vector<std::int64_t> m_locals;
+};
+
+class CalendarStepInZones : public testing::TestWithParam<test::RuleZone> {
+protected:
+    // Three days around each change, and a stretch about New Year, of a year.
+    static std::vector<std::pair<std::int64_t, std::int64_t>> Stretches(int year)
+    {
+        std::vector<std::pair<std::int64_t, std::int64_t>> stretches;
+        constexpr std::int64_t kDay = 1440;
+        const std::int64_t newYear = test::SecondsOf(std::to_string(year) + "-01-01T00:00") / 60;
+        for (const auto& [change, offset] : test::ChangesOf(GetParam())) {
+            if (change >= newYear && change < newYear + 366 * kDay) {
+                stretches.emplace_back(change - 3 * kDay / 2, change + 3 * kDay / 2);
+            }
+        }
+        stretches.emplace_back(newYear - 2 * kDay, newYear + 7 * kDay);
+        return stretches;
+    }
+    // The places from the second day of a stretch on, as a walk from its beginning knows them.
+    void Expect(const CalendarStep& step, std::pair<std::int64_t, std::int64_t> stretch,
+                std::vector<std::int64_t> wanted) const
+    {
+        constexpr std::int64_t kMinute = 60 * kMicrosOfSecond;
+        const std::int64_t from = stretch.first * kMinute + kMicrosOfDay;
+        wanted.erase(wanted.begin(), std::lower_bound(wanted.begin(), wanted.end(), from));
+        EXPECT_EQ(Places(step, from, stretch.second * kMinute, zone), wanted)
+            << static_cast<int>(step.unit) << " " << step.count << " from " << from;
+    }
+
+    const TimeZone zone = test::ZoneOf(GetParam());
+};
+
+TEST_P(CalendarStepInZones, PlacesAreThoseOfTheLocalClockFrom2000To2100)
+{
+    for (int year = 2000; year <= 2100 && !HasFailure(); ++year) {
+        for (const auto& stretch : Stretches(year)) {
+            const ClockWalk walk(GetParam(), stretch.first, stretch.second);
+            for (const std::int64_t minutes : {5, 15, 30, 60, 120, 180, 360, 720}) {
+                Expect({Unit::Microsecond, minutes * 60 * kMicrosOfSecond}, stretch, walk.Multiples(minutes));
+            }
+            Expect({Unit::Day, 1}, stretch, walk.Days([](auto) { return true; }));
+            Expect({Unit::Week, 1}, stretch, walk.Days([](std::chrono::sys_days day) {
+                return std::chrono::weekday(day) == std::chrono::Monday;
+            }));
+            for (const int months : {1, 3, 6, 12, 60}) {
+                Expect({Unit::Month, months}, stretch, walk.Days([months](std::chrono::sys_days day) {
+                    const std::chrono::year_month_day date(day);
+                    const int month = int{date.year()} * 12 + static_cast<int>(unsigned{date.month()}) - 1;
+                    return unsigned{date.day()} == 1 && month % months == 0;
+                }));
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rules, CalendarStepInZones, testing::ValuesIn(test::kRuleZones),
+                         [](const auto& zone) { return std::string(zone.param.name); });
 
 TEST(CalendarStep, AStepIsAMultipleOnlyOfThoseThatHoldAllItsPlaces)
 {

@@ -432,11 +432,11 @@ TEST_F(GraphModelTest, NoDateAndNoGroupAreNoData)
     EXPECT_EQ(model.Status().records, 0u);
 }
 
-TEST_F(GraphModelTest, WhileDataAreReplacedTheyAreNotAsked)
+TEST_F(GraphModelTest, OfCurvesThatHaveGoneNothingIsKnown)
 {
     ShowVoltage();
     const CurvePanel panel = model.Scene().panels.at(0);
-    model.BeginReplacing();
+    model.Clear();
     std::vector<RowSpan> spans(static_cast<std::size_t>(panel.rect.Width()));
     model.Spans(panel, spans);
     for (const RowSpan& span : spans) {
@@ -449,14 +449,6 @@ TEST_F(GraphModelTest, WhileDataAreReplacedTheyAreNotAsked)
     EXPECT_EQ(model.CurveAt({400, 200}), -1);
     EXPECT_EQ(model.Status().records, 0u);
     ExpectSound();
-}
-
-TEST_F(GraphModelTest, WhileDataAreReplacedThePictureDoesNotClaimThatThereAreNone)
-{
-    ShowVoltage();
-    model.BeginReplacing();
-    SetSize(500, 300);
-    EXPECT_FALSE(Holds(model.Scene().under, "There are no records in this window of time."));
 }
 
 TEST_F(GraphModelTest, PaperShowsNothingOfThePointer)
@@ -515,7 +507,8 @@ TEST_F(GraphModelTest, ChangesAreToldOnce)
 {
     ShowVoltage();
     EXPECT_TRUE(model.TakeChanges().shown);
-    EXPECT_FALSE(model.TakeChanges().Any());
+    const GraphChanges none = model.TakeChanges();
+    EXPECT_FALSE(none.under || none.over || none.shown);
     model.Move(PlaceOf(100));
     const GraphChanges moved = model.TakeChanges();
     EXPECT_TRUE(moved.over);
@@ -626,7 +619,7 @@ TEST_F(GraphModelTest, AnythingInAnyOrderDoesNoHarm)
                 break;
             }
             case 2:
-                model.BeginReplacing();
+                model.Update(std::vector{Curve(kVoltage)}, kFrom, kTo, info, nullptr);
                 break;
             case 3:
                 model.Press(at, random() % 3 == 0);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <random>
 
 namespace zr::graph {
 namespace {
@@ -131,6 +132,68 @@ TEST_F(GraphViewTest, TheSameWindowKeepsWhatIsInView)
     EXPECT_EQ(view.History().size(), 1u);
     EXPECT_FALSE(view.SetWhole({1000, 11000}, 8000));
     ExpectInView(1000, 9000);
+}
+
+TEST_F(GraphViewTest, TheSameWindowShownWholeByItsLeastLengthHasNoHistory)
+{
+    view.ZoomTo({2000, 6000});
+    EXPECT_FALSE(view.SetWhole({1000, 11000}, 20000));
+    EXPECT_FALSE(view.IsZoomed());
+    EXPECT_TRUE(view.History().empty());
+    EXPECT_FALSE(view.UndoLast());
+}
+
+// Any zooms, pans, undos and least lengths in any order.
+TEST_F(GraphViewTest, HoldsItsPromisesInAnyOrder)
+{
+    std::mt19937 random(11);
+    const auto time = [&] { return static_cast<std::int64_t>(random() % 16000) - 2000; };
+    for (int i = 0; i < 20000; ++i) {
+        const std::size_t before = view.History().size();
+        bool isOneMore = false;
+        switch (random() % 8) {
+            case 0:
+            case 1:
+                isOneMore = view.ZoomTo({time(), time()});
+                break;
+            case 2:
+                isOneMore = view.ZoomAbout(time(), random() % 2 == 0 ? 0.7 : 1.4);
+                break;
+            case 3:
+                view.PanBy(time() - 6000);
+                break;
+            case 4:
+                // As a drag does.
+                if (view.IsZoomed()) {
+                    view.Show({time(), time()});
+                }
+                break;
+            case 5:
+                view.UndoLast();
+                break;
+            case 6:
+                view.SetWhole({1000, 11000}, random() % 4 == 0 ? 3000 : 100);
+                break;
+            default:
+                if (random() % 10 == 0) {
+                    view.UndoAll();
+                    ExpectInView(1000, 11000);
+                }
+        }
+        const Zoom shown = view.InView();
+        ASSERT_GE(shown.from, 1000);
+        ASSERT_LE(shown.to, 11000);
+        ASSERT_GE(shown.to - shown.from, 100);
+        ASSERT_LE(view.History().size(), before + (isOneMore ? 1 : 0));
+        ASSERT_TRUE(view.IsZoomed() || view.History().empty());
+        if (i % 50 == 0) {
+            GraphView undone = view;
+            for (auto steps = undone.History().size(); steps > 0; --steps) {
+                ASSERT_TRUE(undone.UndoLast());
+            }
+            ASSERT_FALSE(undone.IsZoomed());
+        }
+    }
 }
 
 TEST_F(GraphViewTest, AnotherWindowForgetsTheHistory)

@@ -220,6 +220,18 @@ TEST_F(ValueScaleTest, LimitsThatAreNoNumbersAreNone)
     EXPECT_DOUBLE_EQ(Of(1.0, 2.0).map.high, automatic.map.high);
 }
 
+TEST_F(ValueScaleTest, TheNumberThatStandsForNoLimitIsNone)
+{
+    const ValueScale automatic = Of(1.0, 2.0);
+    input.minimum = 2147483647.0;
+    input.maximum = 2147483647.0;
+    EXPECT_DOUBLE_EQ(Of(1.0, 2.0).map.low, automatic.map.low);
+    EXPECT_DOUBLE_EQ(Of(1.0, 2.0).map.high, automatic.map.high);
+    // Its neighbour is one.
+    input.maximum = 2147483646.0;
+    EXPECT_DOUBLE_EQ(Of(1.0, 2.0).map.high, 2147483646.0);
+}
+
 TEST_F(ValueScaleTest, BarsAlwaysIncludeZero)
 {
     input.startsAtZero = true;

@@ -32,5 +32,26 @@ TEST(LoggedVariablesTest, HasNoneWithoutAStore)
     EXPECT_TRUE(NamesOf(LoggedVariables({u"A"})).empty());
 }
 
+TEST(LoggedVariablesTest, WantsWhatATreeOfSettingsDoesNotKnowYet)
+{
+    const ZRLoggerInfo info = LoggedVariables({u"A"}, kSets);
+    XmlDocument tree;
+    tree.Create(u"main");
+    WantAll(info, *tree.root);
+    EXPECT_TRUE(tree.root->children.empty());  // nothing is kept yet, and all will be shown
+    XmlNode& vars = *tree.root->NewChild(u"Vars");
+    vars.NewChild(u"Var")->SetValue(u"Name", u"GONE.X");
+    vars.NewChild(u"Var")->SetValue(u"Name", u"A.E");
+    for (int i = 0; i < 2; ++i) {
+        WantAll(info, *tree.root);
+        std::vector<ZRBasicString> names;
+        for (const XmlNode* const child : vars.children) {
+            EXPECT_EQ(child->tag, u"Var");
+            names.push_back(child->Value(u"Name", u""));
+        }
+        EXPECT_EQ(names, (std::vector<ZRBasicString>{u"GONE.X", u"A.E", u"A.U"}));
+    }
+}
+
 }  // namespace
 }  // namespace zr::desktop

@@ -5,7 +5,8 @@
 #include "support/SmallDisk.h"
 #endif
 
-#include <limits>
+#include <algorithm>
+#include <array>
 
 namespace zr::desktop {
 namespace {
@@ -32,15 +33,49 @@ protected:
         return table;
     }
 
+    // A record a second.
+    void RecordSeconds(int count)
+    {
+        const int series = store.OpenSeries(u"M.U", 1);
+        std::vector<LoggerAppend> batch;
+        for (int i = 0; i < count; ++i) {
+            batch.push_back({series, (946684800 + std::int64_t{kDay.seconds} + i) * 1000000, 2300.0 + i % 1009});
+        }
+        ASSERT_TRUE(store.Append(batch));
+    }
+
+    bool Write(const char* name, const ExportedTable& table, Progress* progress = nullptr)
+    {
+        reason.clear();
+        return ExportKindOf(name) == ExportKind::Csv ? WriteCsv(table, folder / name, progress, reason)
+                                                     : WriteXlsx(table, folder / name, progress, reason);
+    }
+
     ZRTableProfile profile;
     std::string reason;
+};
+
+constexpr std::array kFiles = {"table.csv", "table.xlsx"};
+
+// Stops the work as soon as it has come so far.
+class StoppingProgress final : public Progress {
+public:
+    explicit StoppingProgress(int at) : m_at(at) {}
+    void SetText(const wchar*) override {}
+    void SetPos(int percent) override { positions.push_back(percent); }
+    [[nodiscard]] bool IsCancelled() const override { return !positions.empty() && positions.back() >= m_at; }
+
+    std::vector<int> positions;
+
+private:
+    int m_at;
 };
 
 TEST_F(TableExportTest, WritesTimesWithTheirZoneAndNumbersWithAPoint)
 {
     RecordVoltages(kDay, {2301, 2302});
     Record(u"M.PF", kDay, 0.5);
-    ASSERT_TRUE(WriteCsv(Table(), folder / "table.csv", reason)) << reason;
+    ASSERT_TRUE(WriteCsv(Table(), folder / "table.csv", nullptr, reason)) << reason;
     EXPECT_EQ(folder.Read("table.csv"),
               "Date and time,M Voltage (V),\"M \"\"Power\"\", factor (PF)\"\r\n"
               "2002-12-30T00:00:00+01:00,230.1,0.500\r\n2002-12-30T00:01:00+01:00,230.2,\r\n");
@@ -48,7 +83,7 @@ TEST_F(TableExportTest, WritesTimesWithTheirZoneAndNumbersWithAPoint)
 
 TEST_F(TableExportTest, WritesTheTitlesAloneForNoRecords)
 {
-    ASSERT_TRUE(WriteCsv(Table(), folder / "table.csv", reason));
+    ASSERT_TRUE(WriteCsv(Table(), folder / "table.csv", nullptr, reason));
     EXPECT_EQ(folder.Read("table.csv"), "Date and time,M Voltage (V),\"M \"\"Power\"\", factor (PF)\"\r\n");
 }
 
@@ -77,65 +112,130 @@ TEST_F(TableExportTest, AGraphIsExportedWithTheColumnsOfATable)
     Record(u"M.E", kDay, 12340);
     table.group = &LoadDay(info);
     table.zone = TimeZone(3600, {});
-    ASSERT_TRUE(WriteCsv(table, folder / "graph.csv", reason)) << reason;
+    ASSERT_TRUE(WriteCsv(table, folder / "graph.csv", nullptr, reason)) << reason;
     EXPECT_EQ(folder.Read("graph.csv"),
               "Date and time,M Energy (kWh),M Voltage (V)\r\n"
               "2002-12-30T00:00:00+01:00,12.34,230.1\r\n");
 }
 
+TEST_F(TableExportTest, TheExtensionTellsTheKindInSmallAndCapitalLetters)
+{
+    for (const char* const name : {"a.csv", "a.CSV", "a.b.Csv"}) {
+        EXPECT_EQ(ExportKindOf(name), ExportKind::Csv) << name;
+    }
+    EXPECT_EQ(ExportKindOf("a.XLSX"), ExportKind::Workbook);
+    EXPECT_EQ(ExportKindOf("a.Pdf"), ExportKind::Pdf);
+    for (const char* const name : {"a", "a.", "a.txt", "a.csv.gz", "csv", ".csv", "a.xls"}) {
+        EXPECT_EQ(ExportKindOf(name), std::nullopt) << name;
+    }
+    for (const ExportKind kind : {ExportKind::Csv, ExportKind::Workbook, ExportKind::Pdf}) {
+        EXPECT_EQ(ExportKindOf(std::string("a") + ExtensionOf(kind)), kind);
+    }
+}
+
+TEST_F(TableExportTest, AFileTitleHasNothingThatAFileSystemRefuses)
+{
+    EXPECT_EQ(FileTitleOf(u"METER-1"), u"METER-1");
+    EXPECT_EQ(FileTitleOf(u"a/b\\c:d*e?f\"g<h>i|j\nk"), u"a_b_c_d_e_f_g_h_i_j_k");
+    EXPECT_EQ(FileTitleOf(u"Z\u00E4hler 1.2"), u"Z\u00E4hler 1.2");
+}
+
 TEST_F(TableExportTest, TellsWhyAFileWasNotWritten)
 {
     RecordVoltages(kDay, {2301});
-    EXPECT_FALSE(WriteCsv(Table(), folder / "none" / "table.csv", reason));
-    EXPECT_FALSE(reason.empty());
-    reason.clear();
-    EXPECT_FALSE(WriteXlsx(Table(), folder / "none" / "table.xlsx", reason));
-    EXPECT_FALSE(reason.empty());
+    for (const char* const name : {"none/table.csv", "none/table.xlsx"}) {
+        EXPECT_FALSE(Write(name, Table())) << name;
+        EXPECT_NE(reason.find("No such file"), std::string::npos) << reason;
+        profile.DeleteAll();
+    }
+    for (const char* const name : kFiles) {
+        std::filesystem::create_directory(folder / name);
+        EXPECT_FALSE(Write(name, Table())) << name;
+        EXPECT_FALSE(reason.empty()) << name;
+        profile.DeleteAll();
+    }
+    EXPECT_EQ(folder.Names().size(), 2U);
+}
+
+TEST_F(TableExportTest, StopsWhereTheUserAsksForItAndKeepsTheOldFile)
+{
+    RecordSeconds(20000);
+    const ExportedTable table = Table();
+    for (const char* const name : kFiles) {
+        folder.Write(name, "old");
+        StoppingProgress progress(20);
+        EXPECT_FALSE(Write(name, table, &progress)) << name;
+        EXPECT_EQ(reason, "") << name;
+        EXPECT_LT(progress.positions.size(), 5U) << name;
+        EXPECT_EQ(folder.Read(name), "old") << name;
+    }
+    EXPECT_EQ(folder.Names().size(), 2U);
+}
+
+TEST_F(TableExportTest, TellsHowFarItIs)
+{
+    RecordSeconds(20000);
+    const ExportedTable table = Table();
+    for (const char* const name : kFiles) {
+        StoppingProgress progress(101);
+        EXPECT_TRUE(Write(name, table, &progress)) << name << reason;
+        EXPECT_GE(progress.positions.size(), 5U) << name;
+        EXPECT_EQ(progress.positions.front(), 0) << name;
+        EXPECT_GT(progress.positions.back(), 40) << name;
+        EXPECT_TRUE(std::is_sorted(progress.positions.begin(), progress.positions.end())) << name;
+    }
 }
 
 TEST_F(TableExportTest, WritesAWorkbookAndLeavesNothingBesideIt)
 {
     RecordVoltages(kDay, {2301});
-    ASSERT_TRUE(WriteXlsx(Table(), folder / "table.xlsx", reason)) << reason;
+    ASSERT_TRUE(Write("table.xlsx", Table())) << reason;
     EXPECT_EQ(folder.Read("table.xlsx").substr(0, 4), "PK\x03\x04");
-    EXPECT_FALSE(std::filesystem::exists(folder / "table.xlsx.part"));
+    EXPECT_EQ(folder.Names().size(), 1U);
 }
 
 #ifndef _WIN32
 TEST_F(TableExportTest, KeepsTheOldFileWhenTheDiskIsFull)
 {
-    const int series = store.OpenSeries(u"M.U", 1);
-    std::vector<LoggerAppend> batch;
-    for (int i = 0; i < 80000; ++i) {
-        batch.push_back({series, (946684800 + std::int64_t{kDay.seconds} + i) * 1000000, 2300.0 + i % 1009});
-    }
-    ASSERT_TRUE(store.Append(batch));
+    RecordSeconds(80000);
     const ExportedTable table = Table();
-    for (const char* const name : {"table.csv", "table.xlsx"}) {
+    for (const char* const name : kFiles) {
         folder.Write(name, "old");
         bool isWritten = true;
-        reason.clear();
         {
             const test::SmallDisk disk(128 * 1024);
-            const bool isCsv = std::string(name) == "table.csv";
-            isWritten = isCsv ? WriteCsv(table, folder / name, reason) : WriteXlsx(table, folder / name, reason);
+            isWritten = Write(name, table);
         }
         EXPECT_FALSE(isWritten) << name;
         EXPECT_FALSE(reason.empty()) << name;
         EXPECT_EQ(folder.Read(name), "old") << name;
     }
     EXPECT_EQ(folder.Names().size(), 2U);
-    EXPECT_TRUE(WriteXlsx(table, folder / "table.xlsx", reason)) << reason;
+    EXPECT_TRUE(Write("table.xlsx", table)) << reason;
     EXPECT_GT(std::filesystem::file_size(folder / "table.xlsx"), 128U * 1024);
+}
+
+TEST_F(TableExportTest, WritesWhereALinkLeads)
+{
+    RecordVoltages(kDay, {2301});
+    const ExportedTable table = Table();
+    std::filesystem::create_directory(folder / "there");
+    for (const char* const name : kFiles) {
+        folder.Write(std::string("there/") + name, "old");
+        std::filesystem::create_symlink(folder / "there" / name, folder / name);
+        EXPECT_TRUE(Write(name, table)) << reason;
+        EXPECT_TRUE(std::filesystem::is_symlink(folder / name)) << name;
+        EXPECT_NE(folder.Read(std::string("there/") + name), "old") << name;
+    }
 }
 
 TEST_F(TableExportTest, WritesFilesForTheirUserAlone)
 {
     RecordVoltages(kDay, {2301});
-    ASSERT_TRUE(WriteCsv(Table(), folder / "table.csv", reason));
-    ASSERT_TRUE(WriteXlsx(Table(), folder / "table.xlsx", reason));
+    const ExportedTable table = Table();
     using std::filesystem::perms;
-    for (const char* const name : {"table.csv", "table.xlsx"}) {
+    for (const char* const name : kFiles) {
+        ASSERT_TRUE(Write(name, table)) << reason;
         EXPECT_EQ(std::filesystem::status(folder / name).permissions(), perms::owner_read | perms::owner_write);
     }
 }

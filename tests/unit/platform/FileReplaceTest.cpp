@@ -87,6 +87,30 @@ TEST_F(FileReplace, AFailureLeavesTheOldFileAndNoTemporaryOne)
     EXPECT_FALSE(zr::WriteFileReplacing(m_folder / "absent" / "f", "new", m_reason));
 }
 
+TEST_F(FileReplace, PutsAFileOfALibraryInPlace)
+{
+    m_folder.Write("f", "old");
+    EXPECT_TRUE(zr::PutFileInPlace(m_folder.Write("f.part", "new"), m_folder / "f", m_reason)) << m_reason;
+    EXPECT_EQ(m_folder.Read("f"), "new");
+    EXPECT_THAT(m_folder.Names(), testing::ElementsAre("f"));
+#ifndef _WIN32
+    EXPECT_EQ(std::filesystem::status(m_folder / "f").permissions(), std::filesystem::perms(0600));
+#endif
+}
+
+TEST_F(FileReplace, KeepsBothFilesWhereTheOldOneCannotBeReplaced)
+{
+    std::filesystem::create_directory(m_folder / "taken");
+    m_folder.Write("taken/inner", "old");
+    EXPECT_FALSE(zr::PutFileInPlace(m_folder.Write("f", "new"), m_folder / "taken", m_reason));
+    EXPECT_THAT(m_reason, testing::HasSubstr("can't be replaced"));
+    EXPECT_EQ(m_folder.Read("f"), "new");
+    EXPECT_EQ(m_folder.Read("taken/inner"), "old");
+    EXPECT_FALSE(zr::PutFileInPlace(m_folder / "absent", m_folder / "f", m_reason));
+    EXPECT_THAT(m_reason, testing::HasSubstr("can't be opened"));
+    EXPECT_EQ(m_folder.Read("f"), "new");
+}
+
 TEST_F(FileReplace, MakesFoldersForTheirOwnerOnly)
 {
     EXPECT_TRUE(zr::MakePrivateFolder(m_folder / "a" / "b", m_reason)) << m_reason;

@@ -37,6 +37,21 @@ TEST_F(RegistryFile, TheFileIsForItsOwnerOnlyAndReadsAsDocumented)
     EXPECT_EQ(std::filesystem::status(m_folder / "kestrix").permissions(), std::filesystem::perms(0700));
 }
 
+TEST_F(RegistryFile, AValueThatStandsThereAlreadyIsNotWrittenAgain)
+{
+    HKEY key = Create(u"K");
+    SetDword(key, u"V", 1);
+    SetText(key, u"T", u"x");
+    std::filesystem::create_hard_link(m_folder / kUserFile, m_folder / "before");
+    EXPECT_EQ(SetDword(key, u"V", 1), ERROR_SUCCESS);
+    EXPECT_EQ(SetText(key, u"T", u"x"), ERROR_SUCCESS);
+    EXPECT_TRUE(std::filesystem::equivalent(m_folder / kUserFile, m_folder / "before"));
+    EXPECT_EQ(SetText(key, u"V", u"x"), ERROR_SUCCESS);  // of another type
+    EXPECT_FALSE(std::filesystem::equivalent(m_folder / kUserFile, m_folder / "before"));
+    EXPECT_EQ(Text(key, u"V"), u"x");
+    RegCloseKey(key);
+}
+
 TEST_F(RegistryFile, BrokenLinesAreReportedAndKept)
 {
     const std::string before =

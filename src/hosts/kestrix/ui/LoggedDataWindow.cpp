@@ -1,6 +1,8 @@
 #include "hosts/kestrix/ui/LoggedDataWindow.h"
 
 #include "hosts/kestrix/LoadTrouble.h"
+#include "hosts/kestrix/LoggedDataPage.h"
+#include "hosts/kestrix/LoggedVariables.h"
 #include "hosts/kestrix/ui/StatusLine.h"
 #include "hosts/kestrix/ui/UiTexts.h"
 #include "logger/FormatDateTime.h"
@@ -16,6 +18,8 @@
 #include <QFileDialog>
 #include <QFontMetrics>
 #include <QShortcut>
+#include <QStandardPaths>
+#include <system_error>
 
 namespace zr::desktop {
 namespace {
@@ -34,16 +38,6 @@ ZRBasicString DateText(const ZRDateTime& date)
     return FormatDateTime(text, date, LocaleInformationWide(), kPad | kDateInNumbers);
 }
 
-// Of a time in UTC, microseconds since 1970.
-ZRBasicString TimeText(std::int64_t time)
-{
-    constexpr std::int64_t kMicros = 1000000;
-    constexpr std::int64_t kEpoch = 946684800;  // of ZRDateTime, seconds since 1970
-    ZRBasicString text;
-    const ZRDateTime local(static_cast<std::uint32_t>(PlantZone().ToLocal(time / kMicros) - kEpoch), 0);
-    return FormatDateTime(text, local, LocaleInformationWide(), RowTimeFlags(kGroupByMonth));
-}
-
 // Wide enough for the time of any unit, unless the user has chosen a width before.
 void WidenTimeColumn(const QFontMetrics& metrics)
 {
@@ -55,23 +49,27 @@ void WidenTimeColumn(const QFontMetrics& metrics)
     }
 }
 
-// The tree lists what the user wants to see. Until there is a dialog to choose by, that is all there is: a variable
-// that is new to the device is shown.
-void WantAll(const ZRLoggerInfo& info, XmlNode& root)
+ZRBasicString NameOf(const std::filesystem::path& file)
 {
-    XmlNode* vars = root.Node(u"Vars");
-    if (vars == nullptr || vars->children.empty()) {
-        return;
-    }
-    for (const ZRDriverVariable* variable : info.variables) {
-        bool isListed = false;
-        for (const XmlNode* const child : vars->children) {
-            isListed = isListed || child->Value(u"Name", u"") == variable->fullName;
-        }
-        if (!isListed) {
-            vars->NewChild(u"Var")->SetValue(u"Name", variable->fullName);
+    return Utf8ToUtf16(TextOfPath(file));
+}
+
+// Of a filter as the dialog for files gives it back.
+ExportKind KindOfFilter(const QString& filter)
+{
+    for (const ExportKind kind : {ExportKind::Workbook, ExportKind::Pdf}) {
+        if (filter.contains(QLatin1String(ExtensionOf(kind)))) {
+            return kind;
         }
     }
+    return ExportKind::Csv;
+}
+
+// The dialog for files has only asked for names that were typed whole.
+bool MayReplace(const std::filesystem::path& file)
+{
+    return AfxMessageBox(ui::FromQt(FilledText(kTextLoggedReplace, {NameOf(file)})),
+                         ui::MB_YESNO | ui::MB_ICONQUESTION | ui::MB_DEFBUTTON2) == ui::IDYES;
 }
 
 }  // namespace
@@ -88,7 +86,8 @@ LoggedDataWindow::LoggedDataWindow(QWidget* parent, const ZRBasicString& name, L
         Config() = m_settings->tree;
     }
     Create(parent);
-    resize(kFirstSize);
+    // All buttons are seen at first, however long their texts are.
+    resize(kFirstSize.expandedTo({ToolBar().sizeHint().width(), 0}));
     MakeShortcuts();
 }
 
@@ -262,7 +261,7 @@ QString LoggedDataWindow::ZoomText()
         return {};
     }
     const graph::Zoom zoom = graph->Graph().InView();
-    return FilledText(kTextLoggedZoomed, {TimeText(zoom.from), TimeText(zoom.to)});
+    return FilledText(kTextLoggedZoomed, {PlantTimeText(zoom.from), PlantTimeText(zoom.to)});
 }
 
 void LoggedDataWindow::OnShown()
@@ -319,38 +318,72 @@ void LoggedDataWindow::AskWhereToExport()
     }
     const QString filter = QStringLiteral("%1 (*.csv);;%2 (*.xlsx);;%3 (*.pdf)")
                                .arg(LoadText(kTextLoggedCsv), LoadText(kTextLoggedXlsx), LoadText(kTextLoggedPdf));
+    const QString offered = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) + u'/' +
+                            ToQt(FileTitleOf(m_name)) + QLatin1String(ExtensionOf(ExportKind::Csv));
     QString chosen;
-    QString file =
-        QFileDialog::getSaveFileName(this, LoadText(kTextLoggedExport), ToQt(m_name) + ".csv", filter, &chosen);
-    if (file.isEmpty()) {
+    const QString named = QFileDialog::getSaveFileName(this, LoadText(kTextLoggedExport), offered, filter, &chosen);
+    if (named.isEmpty()) {
         return;
     }
-    if (QFileInfo(file).suffix().isEmpty()) {
-        file += chosen.contains("*.xlsx") ? ".xlsx" : chosen.contains("*.pdf") ? ".pdf" : ".csv";
+    std::filesystem::path file = PathFromText(ui::FromQt(named));
+    if (!ExportKindOf(file)) {
+        file += ExtensionOf(KindOfFilter(chosen));
+        if (std::error_code ignored; std::filesystem::exists(file, ignored) && !MayReplace(file)) {
+            return;
+        }
     }
-    ExportTo(PathFromText(ui::FromQt(file)));
+    ExportTo(file);
 }
 
 bool LoggedDataWindow::ExportTo(const std::filesystem::path& file)
 {
-    std::string reason;
-    const std::string extension = file.extension().string();
-    const QString name = ToQt(Utf8ToUtf16(TextOfPath(file)));
-    bool good = false;
-    if (extension == ".pdf") {
-        good = PrintToFile(name) == Printed::Done;
-        reason = LoadText(kTextLoggedNothingPrinted).toStdString();
-    } else {
-        const ExportedTable table = Table();
-        good = extension == ".xlsx" ? WriteXlsx(table, file, reason) : WriteCsv(table, file, reason);
-    }
-    if (!good) {
-        AfxMessageBox(ui::FromQt(FilledText(kTextLoggedNotExported, {FromQt(name), Utf8ToUtf16(reason)})),
-                      ui::MB_OK | ui::MB_ICONEXCLAMATION);
+    if (Viewer() == nullptr) {
         return false;
     }
-    m_status->Show(FilledText(kTextLoggedExported, {FromQt(name)}));
-    return true;
+    std::string reason;
+    const bool isDone = Export(file, reason);
+    if (isDone) {
+        m_status->Show(FilledText(kTextLoggedExported, {NameOf(file)}));
+    } else if (!reason.empty()) {
+        AfxMessageBox(ui::FromQt(FilledText(kTextLoggedNotExported, {NameOf(file), Utf8ToUtf16(reason)})),
+                      ui::MB_OK | ui::MB_ICONEXCLAMATION);
+    }
+    CloseIfAsked();
+    return isDone;
+}
+
+bool LoggedDataWindow::Export(const std::filesystem::path& file, std::string& reason)
+{
+    const std::optional<ExportKind> kind = ExportKindOf(file);
+    if (!kind) {
+        reason = LoadText(kTextLoggedNoKind).toStdString();
+        return false;
+    }
+    std::error_code ignored;
+    const std::filesystem::path folder = std::filesystem::absolute(file, ignored).parent_path();
+    if (!std::filesystem::is_directory(folder, ignored)) {
+        reason = FilledText(kTextLoggedNoFolder, {NameOf(folder)}).toStdString();
+        return false;
+    }
+    if (*kind == ExportKind::Pdf) {
+        return ExportPages(file, reason);
+    }
+    const ExportedTable table = Table();
+    bool isWritten = false;
+    RunUnderProgress(kTextLoggedExporting, [&](Progress& progress) {
+        isWritten = *kind == ExportKind::Workbook ? WriteXlsx(table, file, &progress, reason)
+                                                  : WriteCsv(table, file, &progress, reason);
+    });
+    return isWritten;
+}
+
+bool LoggedDataWindow::ExportPages(const std::filesystem::path& file, std::string& reason)
+{
+    const Printed result = PrintToFile(ToQt(NameOf(file)));
+    if (result == Printed::DeviceFailed || result == Printed::NothingToPrint) {
+        reason = LoadText(result == Printed::DeviceFailed ? kTextLoggedNoPdf : kTextLoggedNoPages).toStdString();
+    }
+    return result == Printed::Done;
 }
 
 }  // namespace zr::desktop

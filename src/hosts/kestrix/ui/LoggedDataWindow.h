@@ -13,7 +13,6 @@ namespace zr::desktop {
 
 class StatusLine;
 
-inline constexpr unsigned kLoggedPrint = 33201;
 inline constexpr unsigned kLoggedExport = 33202;
 inline constexpr unsigned kLoggedGraph = 33203;
 inline constexpr unsigned kLoggedTable = 33204;
@@ -34,8 +33,8 @@ public:
     // Table or graph, by the number of the viewer. Records that are at hand for the window of time are not read again:
     // both show the same ones until the user asks for a new reading or another window.
     void ShowAs(int kind);
-    // The records shown, whether as table or as graph. By the extension: .csv, .xlsx or .pdf. False after the user was
-    // told why not.
+    // The records shown, whether as table or as graph. By the extension: .csv, .xlsx or .pdf, in small or capital
+    // letters. False after the user was told why not, or has stopped it. Blocks.
     bool ExportTo(const std::filesystem::path& file);
     [[nodiscard]] QString Status() const;
 
@@ -52,6 +51,9 @@ private:
     void MakeShortcuts();
     void AskWhereToExport();
     void Copy();
+    // False with the reason; without one when the user has stopped it.
+    bool Export(const std::filesystem::path& file, std::string& reason);
+    bool ExportPages(const std::filesystem::path& file, std::string& reason);
     [[nodiscard]] ExportedTable Table();
     [[nodiscard]] ZRDateTimeSpan PeriodShown();
     [[nodiscard]] QString PeriodText();

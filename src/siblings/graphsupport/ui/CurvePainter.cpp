@@ -36,7 +36,7 @@ std::vector<RowSpan> EndsOf(const std::vector<RowSpan>& bars, const CurvePanel& 
     std::vector<RowSpan> ends(bars);
     for (RowSpan& span : ends) {
         if (span.top > span.bottom) {
-            continue;
+            continue;  // nothing in this column
         }
         const bool isBelow = span.top >= static_cast<float>(rowOfZero) - 0.5F;
         (isBelow ? span.top : span.bottom) = isBelow ? span.bottom : span.top;

@@ -4,10 +4,9 @@
 #include "platform/ui/Clipboard.h"
 #include "platform/ui/UiText.h"
 #include "siblings/graphsupport/GraphModel.h"
-#include "siblings/graphsupport/ui/CurvePainter.h"
 #include "siblings/graphsupport/ui/GraphDrawing.h"
 #include "siblings/graphsupport/ui/GraphKeys.h"
-#include "siblings/graphsupport/ui/ScenePainter.h"
+#include "siblings/graphsupport/ui/ScreenPicture.h"
 
 #include <cmath>
 #include <QMimeData>
@@ -23,7 +22,6 @@ using zr::graph::PaperColours;
 
 constexpr double kWheelStep = 120.0;  // eighths of a degree of a notch
 constexpr double kScreenDpi = 96.0;
-constexpr int kStaleAlpha = 150;  // of the ground over a picture whose data are being replaced
 
 Qt::CursorShape ShapeOf(zr::graph::PointerShape shape)
 {
@@ -44,15 +42,10 @@ Qt::CursorShape ShapeOf(zr::graph::PointerShape shape)
 
 }  // namespace
 
-// The picture holds what lies under the pointer's things: it is made anew only when that changes.
+// The model, its picture, and what the window publishes of both.
 class ZRGraph::Parts {
 public:
-    explicit Parts(ZRGraph& window)
-        : m_window(window),
-          m_colours(window.palette()),
-          m_fonts(zr::graph::GraphFonts::ForScale(window.font(), m_ratio))
-    {
-    }
+    explicit Parts(ZRGraph& window) : m_window(window), m_picture(window) {}
 
     [[nodiscard]] const GraphModel& Model() const { return m_model; }
     [[nodiscard]] bool IsReady() const { return !m_window.invalidData || m_isUpdating; }
@@ -64,7 +57,7 @@ public:
         if (!IsReady()) {
             return;
         }
-        Fit(m_ratio);
+        m_picture.Fit(m_model, m_picture.Ratio());
         // It may have been written from outside. Setting it ends a drag.
         if (m_window.mode != m_model.Mode()) {
             m_model.SetMode(m_window.mode);
@@ -98,19 +91,17 @@ public:
     // Another font, palette or scale.
     void LooksChanged()
     {
-        m_colours = zr::graph::SceneColours(m_window.palette());
-        m_targetSize = QSize();
-        m_isOld = true;
+        m_picture.LooksChanged();
         m_window.update();
     }
     void TextsChanged()
     {
-        m_targetSize = QSize();
+        m_picture.LooksChanged();
         Do([](GraphModel& model) { model.TextsChanged(); });
     }
     void Regenerate()
     {
-        m_isOld = true;
+        m_picture.SetOld();
         m_window.update();
     }
 
@@ -130,22 +121,17 @@ public:
 
     void Paint(QPainter& painter)
     {
-        const double ratio = painter.device()->devicePixelRatio();
         if (!IsReady()) {
-            PaintStale(painter);
+            m_picture.PaintStale(painter);
             return;
         }
-        Fit(ratio);
-        Renew();
+        m_picture.Fit(m_model, painter.device()->devicePixelRatio());
+        TakeChanges();
         if (m_hasNews) {
             // Not from within a paint.
             QTimer::singleShot(0, &m_window, [this] { Publish(); });
         }
-        painter.save();
-        painter.scale(1.0 / ratio, 1.0 / ratio);
-        painter.drawImage(0, 0, m_picture);
-        zr::graph::PaintLayer(painter, m_model.Scene().over, ScenePaintNow());
-        painter.restore();
+        m_picture.Paint(painter, m_model);
         if (m_window.m_showsFocus) {
             painter.setPen(m_window.palette().color(QPalette::Highlight));
             painter.setBrush(Qt::NoBrush);
@@ -155,68 +141,17 @@ public:
 
     [[nodiscard]] zr::graph::Point At(const QPointF& place) const
     {
-        return {static_cast<int>(std::floor(place.x() * m_ratio)), static_cast<int>(std::floor(place.y() * m_ratio))};
+        return {static_cast<int>(std::floor(place.x() * Ratio())), static_cast<int>(std::floor(place.y() * Ratio()))};
     }
-    [[nodiscard]] double Ratio() const { return m_ratio; }
+    [[nodiscard]] double Ratio() const { return m_picture.Ratio(); }
 
 private:
-    [[nodiscard]] zr::graph::ScenePaint ScenePaintNow() const
-    {
-        return {m_colours, m_fonts, [this](int curve) { return m_model.Colour(curve); }, m_ratio};
-    }
-    // To the size of the window on a device of so many pixels for one of the window's.
-    void Fit(double ratio)
-    {
-        const QSize size(static_cast<int>(std::ceil(m_window.width() * ratio)),
-                         static_cast<int>(std::ceil(m_window.height() * ratio)));
-        if (size == m_targetSize && ratio == m_ratio) {
-            return;
-        }
-        m_targetSize = size;
-        m_ratio = ratio;
-        m_fonts = zr::graph::GraphFonts::ForScale(m_window.font(), ratio);
-        m_model.SetTarget({size.width(), size.height(), ratio, &m_fonts, false, false});
-        m_isOld = true;
-    }
-    void Renew()
-    {
-        TakeChanges();
-        if (!m_isOld && m_picture.size() == m_targetSize) {
-            return;
-        }
-        m_isOld = false;
-        if (m_picture.size() != m_targetSize) {
-            m_picture = QImage(m_targetSize, QImage::Format_ARGB32_Premultiplied);
-        }
-        if (m_picture.isNull()) {
-            return;
-        }
-        const zr::graph::GraphScene& scene = m_model.Scene();
-        {
-            QPainter painter(&m_picture);
-            painter.fillRect(m_picture.rect(), m_colours.Of(zr::graph::SceneRole::Ground));
-            zr::graph::PaintLayer(painter, scene.under, ScenePaintNow());
-        }
-        zr::graph::PaintCurves(m_picture, m_model, scene, m_colours);
-    }
-    // What was seen last, paler.
-    void PaintStale(QPainter& painter)
-    {
-        QColor ground = m_colours.Of(zr::graph::SceneRole::Ground);
-        painter.fillRect(m_window.rect(), ground);
-        if (!m_picture.isNull()) {
-            painter.save();
-            painter.scale(1.0 / m_ratio, 1.0 / m_ratio);
-            painter.drawImage(0, 0, m_picture);
-            painter.restore();
-        }
-        ground.setAlpha(kStaleAlpha);
-        painter.fillRect(m_window.rect(), ground);
-    }
     void TakeChanges()
     {
         const zr::graph::GraphChanges changes = m_model.TakeChanges();
-        m_isOld = m_isOld || changes.under;
+        if (changes.under) {
+            m_picture.SetOld();
+        }
         m_hasNews = m_hasNews || changes.shown;
         if (changes.under || changes.over) {
             m_window.update();
@@ -227,7 +162,10 @@ private:
         TakeChanges();
         m_window.mode = m_model.Mode();
         m_window.zoomHistory = m_model.History();
-        m_window.setCursor(ShapeOf(m_model.Shape()));
+        if (IsReady()) {
+            // It depends on where the curves stand, and so on the records.
+            m_window.setCursor(ShapeOf(m_model.Shape()));
+        }
         if (!m_hasNews) {
             return;
         }
@@ -236,13 +174,8 @@ private:
     }
 
     ZRGraph& m_window;
-    double m_ratio = 1.0;  // pixels of the picture for each of the window
-    QSize m_targetSize;    // pixels of the picture
-    zr::graph::SceneColours m_colours;
-    zr::graph::GraphFonts m_fonts;
+    zr::graph::ScreenPicture m_picture;
     GraphModel m_model;
-    QImage m_picture;
-    bool m_isOld = true;     // the picture
     bool m_hasNews = false;  // for the parent
     bool m_isUpdating = false;
 };
@@ -476,10 +409,17 @@ void ZRGraph::changeEvent(QEvent* event)
     CWnd::changeEvent(event);
 }
 
+// Its own keys go before the shortcuts of the window that it is in, but for arrows that would move nothing.
+bool ZRGraph::IsOwnKey(const QKeyEvent& event) const
+{
+    const std::optional<zr::graph::GraphAction> action = zr::graph::ActionOf(event);
+    const bool isArrow = action == zr::graph::GraphAction::PanLeft || action == zr::graph::GraphAction::PanRight;
+    return action && !(isArrow && zoomHistory.empty());
+}
+
 bool ZRGraph::event(QEvent* event)
 {
-    // Its own keys go before the shortcuts of the window that it is in.
-    if (event->type() == QEvent::ShortcutOverride && zr::graph::ActionOf(*static_cast<QKeyEvent*>(event))) {
+    if (event->type() == QEvent::ShortcutOverride && IsOwnKey(*static_cast<QKeyEvent*>(event))) {
         event->accept();
         return true;
     }

@@ -94,6 +94,8 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    [[nodiscard]] bool IsOwnKey(const QKeyEvent& event) const;
+
     class Parts;
     std::unique_ptr<Parts> m_parts;
     bool m_isCreated = false;

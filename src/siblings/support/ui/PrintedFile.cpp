@@ -81,12 +81,8 @@ bool PrintedFile::PutInPlace()
     if (!IsWholePdf(m_part)) {
         return false;
     }
-    std::error_code failed;
-    std::filesystem::permissions(m_part, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
-                                 failed);
-    std::filesystem::rename(m_part, m_target, failed);
     std::string ignored;
-    return !failed && FlushFolder(m_target.parent_path(), ignored);
+    return PutFileInPlace(m_part, m_target, ignored);
 }
 
 }  // namespace zr::ui

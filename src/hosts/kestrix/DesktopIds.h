@@ -170,6 +170,7 @@ inline constexpr unsigned kTextLoggedReplace = 40232;
 inline constexpr unsigned kTextLoggedGraph = 40260;
 inline constexpr unsigned kTextLoggedTable = 40261;
 inline constexpr unsigned kTextLoggedZoomed = 40262;
+inline constexpr unsigned kTextLoggedNotCopied = 40263;
 
 // The page of logged data.
 inline constexpr unsigned kTextLoggedData = 40320;

@@ -1,7 +1,6 @@
 // What lies under the curves: grounds, grid, axes with their texts.
 #include "siblings/graphsupport/CurveRows.h"
 #include "siblings/graphsupport/GraphPlan.h"
-#include "siblings/tools/FormatText.h"
 #include "siblings/tools/ZRLoadString.h"
 
 #include <algorithm>
@@ -66,15 +65,6 @@ void PutGrid(const GraphPlan& plan, const GraphState& state, int zone, SceneLaye
             out.push_back(SceneLine{{panel.left, row}, {panel.right - 1, row}, SceneRole::Grid});
         }
     }
-}
-
-ZRBasicString UnitOf(const CurveRun& run, const ValueScale& scale)
-{
-    ZRBasicString unit;
-    if (scale.exponent != 0) {
-        unit = FormatText(u"x10^%d ", {scale.exponent});
-    }
-    return unit += run.unit;
 }
 
 void PutAxisLabel(const GraphPlan& plan, const AxisPlace& axis, const ValueTick& tick, int row, int colour,

@@ -88,10 +88,12 @@ std::vector<CurveRun> MakeRuns(std::vector<GraphCurve>& curves)
             runs.back().firstCurve = position;
             runs.back().unit = curve.unit;
             runs.back().isFolded = curve.column.isFolded;
+            runs.back().isOfStates = true;
         }
         CurveRun& run = runs.back();
         ++run.curves;
         run.hasBars = run.hasBars || curve.column.shape == CurveShape::Bars;
+        run.isOfStates = run.isOfStates && curve.column.shape == CurveShape::Steps;
         run.minimum = IsFirst(curve.info.minimum, run.minimum) ? curve.info.minimum : run.minimum;
         run.maximum = IsFirst(curve.info.maximum, run.maximum) ? curve.info.maximum : run.maximum;
         curve.run = static_cast<int>(runs.size()) - 1;

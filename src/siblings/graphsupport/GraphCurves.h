@@ -37,6 +37,7 @@ struct CurveRun {
     double maximum = kNoLimit;  // likewise
     bool isFolded = false;
     bool hasBars = false;
+    bool isOfStates = false;  // all curves of it are
 };
 
 // A plain value.

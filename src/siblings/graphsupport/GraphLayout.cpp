@@ -9,7 +9,7 @@ namespace zr::graph {
 namespace {
 
 constexpr double kMargin = 6.0;        // around the panels
-constexpr double kRightMargin = 14.0;  // likewise, for half a label of the time axis
+constexpr double kRightMargin = 20.0;  // likewise, for half a label of the time axis
 constexpr double kTick = 5.0;
 constexpr int kMostLegendRows = 4;
 
@@ -24,7 +24,12 @@ ZonePlace LayZone(int top, int bottom, int legendRows, int lineHeight, double sc
     const int height = bottom - top;
     ZonePlace zone;
     zone.panel = {0, top, 0, bottom};
-    if (lineHeight <= 0 || height < 4 * lineHeight) {
+    if (lineHeight <= 0) {
+        return zone;
+    }
+    if (height < 4 * lineHeight) {
+        // The labels of neighbours would touch.
+        zone.panel.bottom -= height >= 2 * lineHeight ? lineHeight * 3 / 4 : 0;
         return zone;
     }
     const int mostRows = std::max(1, height / 3 / lineHeight);

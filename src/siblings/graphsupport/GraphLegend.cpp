@@ -121,20 +121,26 @@ public:
     // Tells of curves without room at the right end of the last row.
     void PutMore(const Rect& place, int lastRow, int count)
     {
-        ZRBasicString format;
-        ZRLoadString(kTextMore, format);
-        const ZRBasicString number = FormatText(u"%d", {count});
-        const ZRBasicString text = FormatText(format.Text(), {number});
-        const int width = m_target.texts->Width(text.Text(), TextFont::Normal) + Scaled(kBetween, m_target.scale);
         const int top = place.top + Scaled(kTop, m_target.scale) + lastRow * m_line;
-        const Rect rect{place.right - width, top, place.right, top + m_line};
-        m_out.push_back(SceneRect{rect, SceneRole::Ground, -1});
-        m_out.push_back(SceneText{rect, text, TextAlign::Centre, SceneRole::DimText, TextFont::Normal, -1});
+        const Rect rect{place.right - MoreWidth(count), top, place.right, top + m_line};
+        m_out.push_back(SceneText{rect, MoreText(count), TextAlign::Centre, SceneRole::DimText, TextFont::Normal, -1});
+    }
+
+    [[nodiscard]] int MoreWidth(int count) const
+    {
+        return m_target.texts->Width(MoreText(count).Text(), TextFont::Normal) + Scaled(kBetween, m_target.scale);
     }
 
     [[nodiscard]] int Rows(const Rect& place) const { return m_line > 0 ? place.Height() / m_line : 0; }
 
 private:
+    static ZRBasicString MoreText(int count)
+    {
+        ZRBasicString format;
+        ZRLoadString(kTextMore, format);
+        return FormatText(format.Text(), {FormatText(u"%d", {count})});
+    }
+
     const GraphState& m_state;
     const GraphTarget& m_target;
     SceneLayer& m_out;
@@ -223,13 +229,27 @@ void AppendLegend(const Legend& legend, const GraphState& state, const GraphTarg
     if (time && legend.dateWidth > 0 && !places.empty() && !places[0].IsEmpty()) {
         painter.PutDate(places[0], legend.dateWidth, *time);
     }
+    std::vector<int> entries(places.size());
     std::vector<int> hidden(places.size());
     for (const LegendEntry& entry : legend.entries) {
-        const Rect& place = places[static_cast<std::size_t>(entry.zone)];
-        if (entry.row < painter.Rows(place)) {
-            painter.PutEntry(entry, place, time);
+        const auto zone = static_cast<std::size_t>(entry.zone);
+        ++entries[zone];
+        hidden[zone] += entry.row < painter.Rows(places[zone]) ? 0 : 1;
+    }
+    for (const LegendEntry& entry : legend.entries) {
+        const auto zone = static_cast<std::size_t>(entry.zone);
+        const Rect& place = places[zone];
+        const int lastRow = painter.Rows(place) - 1;
+        if (entry.row > lastRow) {
+            continue;
+        }
+        // What tells of the others has its place at the end of the last row.
+        const bool isInTheWay = hidden[zone] > 0 && entry.row == lastRow &&
+                                entry.value + entry.valueWidth > place.right - painter.MoreWidth(entries[zone]);
+        if (isInTheWay) {
+            ++hidden[zone];
         } else {
-            ++hidden[static_cast<std::size_t>(entry.zone)];
+            painter.PutEntry(entry, place, time);
         }
     }
     for (std::size_t i = 0; i < places.size(); ++i) {

@@ -2,6 +2,7 @@
 
 #include "siblings/graphsupport/CurveRows.h"
 #include "siblings/graphsupport/MarkerTable.h"
+#include "siblings/tools/FormatText.h"
 #include "siblings/tools/ZRLocaleInformation.h"
 
 #include <algorithm>
@@ -33,6 +34,7 @@ ValueScale ScaleOf(const CurveRun& run, const GraphState& state, const GraphTarg
     input.maximum = run.maximum;
     input.startsAtZero = run.hasBars;
     input.isFolded = run.isFolded;
+    input.isWhole = run.isOfStates;
     input.height = height;
     input.labelHeight = lineHeight;
     input.scale = target.scale;
@@ -48,17 +50,31 @@ int WidestLabel(const ValueScale& scale, const TextExtents& texts)
     return widest;
 }
 
+// The uppermost label, where the unit has no line of its own.
+void PutUnitToLabel(ValueScale& scale, const ZRBasicString& unit)
+{
+    const auto last = std::find_if(scale.ticks.rbegin(), scale.ticks.rend(),
+                                   [](const ValueTick& tick) { return !tick.label.IsEmpty(); });
+    if (last != scale.ticks.rend() && !unit.IsEmpty()) {
+        last->label += u" " + unit;
+    }
+}
+
 void MakeScales(GraphPlan& plan, const GraphState& state)
 {
     std::vector<AxisWidth> widths;
     for (const CurveRun& run : state.curves.runs) {
-        const Rect& panel = plan.layout.zones[static_cast<std::size_t>(run.zone)].panel;
-        plan.scales.push_back(ScaleOf(run, state, plan.target, panel.Height(), plan.lineHeight));
+        const ZonePlace& place = plan.layout.zones[static_cast<std::size_t>(run.zone)];
+        plan.scales.push_back(ScaleOf(run, state, plan.target, place.panel.Height(), plan.lineHeight));
+        const ZRBasicString unit = UnitOf(run, plan.scales.back());
+        if (place.units.Height() <= 0) {
+            PutUnitToLabel(plan.scales.back(), unit);
+        }
         int width = 0;
         if (plan.target.texts != nullptr) {
             const double scale = plan.target.scale;
             width = std::max(WidestLabel(plan.scales.back(), *plan.target.texts),
-                             plan.target.texts->Width(run.unit.Text(), TextFont::Normal)) +
+                             place.units.Height() > 0 ? plan.target.texts->Width(unit.Text(), TextFont::Normal) : 0) +
                     Scaled(kAxisTick, scale) + 2 * Scaled(kBesideLabel, scale);
         }
         widths.push_back({run.zone, width});
@@ -158,6 +174,15 @@ GraphPlan MakePlan(const GraphState& state, const GraphTarget& target, std::span
     MakeScales(plan, state);
     MakeTime(plan, state);
     return plan;
+}
+
+ZRBasicString UnitOf(const CurveRun& run, const ValueScale& scale)
+{
+    if (scale.exponent == 0) {
+        return run.unit;
+    }
+    const ZRBasicString power = FormatText(u"x10^%d", {scale.exponent});
+    return run.unit.IsEmpty() ? power : power + u" " + run.unit;
 }
 
 std::int64_t ColumnLength(const GraphPlan& plan, const GraphState& state)

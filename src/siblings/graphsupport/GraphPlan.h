@@ -31,6 +31,9 @@ struct GraphPlan {
 
 GraphPlan MakePlan(const GraphState& state, const GraphTarget& target, std::span<const int> valueWidths);
 
+// Of a run, with the power of ten of its scale: "x10^6 W"; empty for none.
+ZRBasicString UnitOf(const CurveRun& run, const ValueScale& scale);
+
 // Of a column of the panels, microseconds, at least 1.
 std::int64_t ColumnLength(const GraphPlan& plan, const GraphState& state);
 

@@ -28,6 +28,11 @@ struct RoundStep {
     {
         return exponent < 0 ? times * factor / std::pow(10.0, -exponent) : times * factor * std::pow(10.0, exponent);
     }
+    // The next narrower one.
+    [[nodiscard]] RoundStep Narrower() const
+    {
+        return factor == 1 ? RoundStep{5, exponent - 1} : RoundStep{factor / 2, exponent};
+    }
     // The step of the ticks between: 5 or 4 of them.
     [[nodiscard]] RoundStep Finer() const
     {
@@ -134,11 +139,23 @@ void HoldWithin(Limits& limits, bool isFolded)
     }
 }
 
+double LabelsWithin(const Limits& limits, const RoundStep& step)
+{
+    return std::floor(limits.high / step.Value()) - std::ceil(limits.low / step.Value()) + 1.0;
+}
+
 RoundStep MajorStep(const Limits& limits, const ValueScaleInput& input)
 {
     const double distance = std::max({input.labelHeight * 1.6, 18.0 * input.scale, 1.0});
     const double intervals = std::max(1.0, std::floor(input.height / distance));
-    return StepFrom((limits.high - limits.low) / intervals);
+    const double span = limits.high - limits.low;
+    RoundStep step = StepFrom(span / intervals);
+    // One label alone tells of no scale: rather have them close.
+    const double closest = std::max(input.labelHeight * 1.2, 1.0);
+    while (LabelsWithin(limits, step) < 2.0 && step.Narrower().Value() / span * input.height >= closest) {
+        step = step.Narrower();
+    }
+    return input.isWhole && step.exponent < 0 ? RoundStep{1, 0} : step;
 }
 
 // A multiple of 3 for labels that would have many digits, else 0.
@@ -166,7 +183,7 @@ void AppendTicks(ValueScale& scale, const RoundStep& major, const ValueScaleInpu
 {
     const RoundStep minor = major.Finer();
     const double rows = minor.Value() / (scale.map.high - scale.map.low) * input.height;
-    const bool hasMinors = rows >= 4.0 * input.scale;
+    const bool hasMinors = rows >= 4.0 * input.scale && !(input.isWhole && minor.exponent < 0);
     const RoundStep step = hasMinors ? minor : major;
     const double parts = hasMinors ? std::round(major.Value() / minor.Value()) : 1.0;
     constexpr double kTolerance = 1e-6;

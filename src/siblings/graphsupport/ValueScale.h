@@ -22,6 +22,7 @@ struct ValueScaleInput {
     double maximum = kNoLimit;  //
     bool startsAtZero = false;  // bars: 0 is always within
     bool isFolded = false;      // a power factor
+    bool isWhole = false;       // states: nothing lies between whole numbers
     int height = 0;             // pixels
     int labelHeight = 0;        // likewise
     double scale = 1.0;
@@ -36,7 +37,8 @@ struct ValueScale {
 };
 
 // Limits that are not fixed lie around the values with a margin, at a round place. Fixed ones in the wrong order are
-// exchanged; equal limits, or values, are widened. Steps are 1, 2 or 5 times a power of ten, as narrow as labels allow.
+// exchanged; equal limits, or values, are widened. Steps are 1, 2 or 5 times a power of ten, as narrow as labels allow,
+// and narrower where a single label would leave the scale open.
 // Anything finite is held to what a double can subtract, and a folded scale to 0 to 2.
 ValueScale MakeValueScale(const ValueScaleInput& input);
 

@@ -1,5 +1,6 @@
 // A graph as it comes out of a printer, and on the clipboard.
 #include "platform/ui/CDC.h"
+#include "platform/ui/Clipboard.h"
 #include "ui/graphsupport/GraphFixture.h"
 
 #include <QClipboard>
@@ -9,6 +10,7 @@
 #include <QPainter>
 #include <QPrinter>
 #include <QProcess>
+#include <QRegularExpression>
 
 namespace zr::graph {
 namespace {
@@ -178,6 +180,86 @@ TEST_F(GraphPaperTest, CopiesAGraphWithoutCurves)
     Draw({});
     EXPECT_TRUE(graph->CopyToClipboard(false));
     EXPECT_EQ(CopiedPicture().size(), graph->size());
+}
+
+TEST_F(GraphPaperTest, PrintsOnOnePage)
+{
+    DrawTwo();
+    Print(false);
+    EXPECT_TRUE(Output("pdfinfo", {File()}).contains(QRegularExpression("Pages: +1\n")));
+}
+
+TEST_F(GraphPaperTest, PrintsTheDaysOfItsTimes)
+{
+    RecordRise();
+    Draw({{u"G.U", 0, kRed}}, logger::kEveryRecord, 3);
+    Print(true);
+    const QString words = Words();
+    for (const char* text : {"00:00", "12:00", "30/12/2002", "31/12/2002", "01/01/2003"}) {
+        EXPECT_TRUE(words.contains(text)) << text << " is not in:\n" << words.toStdString();
+    }
+}
+
+// What was copied as lines lies where the copied pixels do.
+TEST_F(GraphPaperTest, CopiesAPageThatIsAsThePixels)
+{
+    DrawTwo();
+    ASSERT_TRUE(graph->CopyToClipboard(false));
+    QFile file(File());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(Copied().data("application/pdf"));
+    file.close();
+    EXPECT_TRUE(Output("pdfinfo", {File()}).contains(QRegularExpression("Page size: +450 x 300 pts")));
+    const QString words = Words();
+    for (const char* text : {"Voltage", "V", "230", "Power factor", "PF", "12:00", "30/12/2002"}) {
+        EXPECT_TRUE(words.contains(text)) << text << " is not in:\n" << words.toStdString();
+    }
+    const QString name = QString::fromStdString((folder / "page").string());
+    Output("pdftoppm", {"-r", "96", "-png", "-singlefile", File(), name});
+    const QImage page(name + ".png");
+    const QImage pixels = CopiedPicture();
+    ASSERT_EQ(page.size(), pixels.size());
+    EXPECT_TRUE(test::KeepPicture(page, "graph-copied-page.png"));
+    const auto hasColour = [](const QImage& image, QPoint place, int within) {
+        return Coloured(image.copy(QRect(place - QPoint(within, within), place + QPoint(within, within)))) > 0;
+    };
+    int coloured = 0;
+    for (int y = 60; y < pixels.height(); ++y) {
+        for (int x = 0; x < pixels.width(); ++x) {
+            if (hasColour(pixels, {x, y}, 0)) {
+                ++coloured;
+                ASSERT_TRUE(hasColour(page, {x, y}, 3)) << x << ',' << y;
+            }
+        }
+    }
+    EXPECT_GT(coloured, 1000);
+}
+
+TEST_F(GraphPaperTest, CopiesNothingIntoAClipboardThatCannotBeOpened)
+{
+    DrawRise();
+    QApplication::clipboard()->setText("before");
+    ui::SetClipboardHook([] { return false; });
+    EXPECT_FALSE(graph->CopyToClipboard(false));
+    ui::SetClipboardHook(nullptr);
+    EXPECT_EQ(QApplication::clipboard()->text(), "before");
+}
+
+// Numbers beside the axis of a pale curve are darker than it.
+TEST_F(GraphPaperTest, PrintsTextsThatCanBeRead)
+{
+    RecordRise();
+    constexpr unsigned long kPale = 0x80FFFF;
+    Draw({{u"G.U", 0, kPale, 220.0, 240.0}});
+    ASSERT_TRUE(graph->CopyToClipboard(false));
+    const QByteArray drawing = Copied().data("image/svg+xml");
+    EXPECT_TRUE(drawing.contains("#ffff80"));
+    const auto label = drawing.indexOf(">238<");
+    ASSERT_GT(label, 0);
+    const auto group = drawing.lastIndexOf("fill=\"#", label);
+    const QColor text(QString::fromLatin1(drawing.mid(group + 6, 7)));
+    ASSERT_TRUE(text.isValid());
+    EXPECT_LT(text.lightnessF(), 0.45) << text.name().toStdString();
 }
 
 }  // namespace

@@ -145,6 +145,32 @@ TEST_P(ZRGraphAtSizesTest, PaintsEachZoneInAStripOfItsOwn)
     EXPECT_EQ(picture.Count(picture.Panels()[1], kRed), 0);
 }
 
+TEST_P(ZRGraphAtSizesTest, PaintsAnAxisInTheColourOfItsCurveAndAFrameAroundEachZone)
+{
+    RecordDay(u"G.U", [](int) { return 230.0; });
+    RecordDay(u"G.PF", [](int) { return 0.8; });
+    Draw({{u"G.U", 0, kRed, 220.0, 240.0}, {u"G.PF", 1, kBlue, 0.0, 1.0}});
+    const GraphPicture picture = Shot();
+    ASSERT_EQ(picture.Panels().size(), 2U);
+    const unsigned long colours[] = {kRed, kBlue};
+    for (std::size_t zone = 0; zone < 2; ++zone) {
+        const QRect& panel = picture.Panels()[zone];
+        // The axis is upright beside the curves, as high as they.
+        const QRect beside(panel.left() - 3, panel.top(), 3, panel.height());
+        EXPECT_GE(picture.Count(beside, colours[zone]), panel.height()) << zone;
+        EXPECT_EQ(picture.Count(beside, colours[1 - zone]), 0) << zone;
+        // The frame is no ground, and all of one colour.
+        const QImage& image = picture.Image();
+        for (const int row : {panel.top() - 1, panel.bottom() + 1}) {
+            const QRgb frame = image.pixel(panel.left() + 5, row);
+            EXPECT_NE(frame, kPanelGround);
+            for (int x = panel.left() + 5; x < panel.right() - 5; ++x) {
+                ASSERT_EQ(image.pixel(x, row), frame) << zone << ' ' << row << ' ' << x;
+            }
+        }
+    }
+}
+
 TEST_P(ZRGraphAtSizesTest, PaintsTheSameOnADarkDesktop)
 {
     DrawRise();

@@ -2,6 +2,8 @@
 #include "hosts/kestrix/ui/StatusLine.h"
 #include "LoggedDataFixture.h"
 #include "logger/ui/ZRVirtualLoggerDataGraphicViewer.h"
+#include "platform/ui/Clipboard.h"
+#include "support/SmallDisk.h"
 #include "ui/support/KeepPicture.h"
 
 #include <atomic>
@@ -193,6 +195,43 @@ TEST_F(LoggedDataGraphTest, ShowsALoadThatFailsAndGoesOn)
     m_gate.gate = nullptr;
     window.Reload();
     EXPECT_EQ(window.Status().toStdString().find("cannot be read"), std::string::npos);
+}
+
+TEST_F(LoggedDataGraphTest, TellsWhenTheClipboardCannotBeOpened)
+{
+    LoggedDataWindow& window = OpenGraph();
+    ui::SetClipboardHook([] { return false; });
+    for (const int kind : {kGraphViewer, kTableViewer}) {
+        window.ShowAs(kind);
+        Settle();
+        m_asked.clear();
+        QTest::mouseClick(&Button(window, logger::kCommandCopy), Qt::LeftButton);
+        ASSERT_EQ(m_asked.size(), 1U);
+        EXPECT_NE(m_asked[0].find(u"clipboard cannot be opened"), std::u16string::npos);
+    }
+    ui::SetClipboardHook(nullptr);
+}
+
+TEST_F(LoggedDataGraphTest, TellsWhenTheDiskHasNoRoomForItsPicture)
+{
+    LoggedDataWindow& window = OpenGraph();
+    m_folder.Write("graph.pdf", "old");
+    {
+        const test::SmallDisk disk(1024);
+        EXPECT_FALSE(window.ExportTo(m_folder / "graph.pdf"));
+    }
+    ASSERT_EQ(m_asked.size(), 1U);
+    EXPECT_NE(m_asked[0].find(u"graph.pdf was not written"), std::u16string::npos);
+    EXPECT_EQ(m_folder.Read("graph.pdf"), "old");
+}
+
+TEST_F(LoggedDataGraphTest, ShowsTheButtonsThatFitFromTheFirst)
+{
+    LoggedDataWindow& window = OpenGraph();
+    for (const unsigned id : {logger::kCommandPrevious, logger::kCommandNext, logger::kCommandGoTo,
+                              logger::kCommandGroupBy, logger::kCommandPeriod, logger::kCommandCopy}) {
+        EXPECT_EQ(Button(window, id).visibleRegion(), QRegion(Button(window, id).rect())) << id;
+    }
 }
 
 }  // namespace

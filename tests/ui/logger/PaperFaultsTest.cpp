@@ -169,6 +169,26 @@ TEST_F(PaperFaultsTest, WritesWhereALinkLeads)
     EXPECT_EQ(folder.Read("real.pdf").substr(0, 5), "%PDF-");
 }
 
+TEST_F(PaperFaultsTest, TellsOfAGraphThatTheDiskHasNoRoomFor)
+{
+    RecordVoltages(kDay, {2300, 2310});
+    OpenWeek();
+    window.SelectViewer(kGraphViewer);
+    folder.Write("table.pdf", "old");
+    {
+        const test::SmallDisk disk(1024);
+        PrintBy([&](QPrintDialog& dialog) {
+            dialog.printer()->setOutputFileName(ToQt(File()));
+            dialog.done(QDialog::Accepted);
+        });
+    }
+    ASSERT_FALSE(messages.empty());
+    EXPECT_EQ(messages.back(), "The printer or file cannot be written. Nothing more was printed.");
+    EXPECT_EQ(folder.Read("table.pdf"), "old");
+    EXPECT_EQ(window.PrintToFile(ToQt(File())), Printed::Done);
+    EXPECT_EQ(folder.Read("table.pdf").substr(0, 5), "%PDF-");
+}
+
 // A device isn't replaced by a file.
 TEST_F(PaperFaultsTest, LeavesADeviceADevice)
 {

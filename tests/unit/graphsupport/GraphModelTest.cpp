@@ -117,6 +117,17 @@ TEST_F(GraphModelTest, TheScaleHasLabelsUnitAndGrid)
     EXPECT_GT(Items<SceneLine>(scene.under, SceneRole::Axis).size(), 8u);
 }
 
+TEST_F(GraphModelTest, WithoutALineForUnitsTheUppermostLabelHasIts)
+{
+    SetSize(800, 110);
+    ShowVoltage();
+    std::vector<std::string> labels = Texts(model.Scene().under);
+    std::erase_if(labels, [](const std::string& text) { return text.find(" V") == std::string::npos; });
+    EXPECT_EQ(labels, std::vector<std::string>{"234 V"});
+    SetSize(800, 400);
+    EXPECT_FALSE(Holds(model.Scene().under, "234.0 V"));
+}
+
 TEST_F(GraphModelTest, TheAxisOfASingleCurveHasItsColour)
 {
     Record(kVoltage, {2300, 2310});
@@ -308,6 +319,23 @@ TEST_F(GraphModelTest, TheLegendStripHasItsGeometry)
         }
         if (text != nullptr && text->text == u"Voltage") {
             EXPECT_EQ(text->rect.left, swatches[0].rect.right + 3);
+        }
+    }
+}
+
+// None is cut by what tells of the others.
+TEST_F(GraphModelTest, TheLegendTellsOfCurvesWithoutRoomBesideThoseThatHaveIt)
+{
+    Record(kVoltage, {2300, 2310});
+    for (int width = 220; width < 900; width += 7) {
+        SetSize(width, 110);
+        Show(std::vector<CurveInfo>(12, Curve(kVoltage)));
+        const auto texts = Items<SceneText>(model.Scene().over, SceneRole::DimText);
+        ASSERT_EQ(texts.size(), 1u) << width;
+        const auto swatches = Items<SceneRect>(model.Scene().over, SceneRole::Swatch);
+        EXPECT_EQ(Utf16ToUtf8(texts[0].text), std::to_string(12 - swatches.size()) + " more") << width;
+        for (const SceneText& text : Items<SceneText>(model.Scene().over, SceneRole::Text)) {
+            EXPECT_LE(text.rect.right, texts[0].rect.left) << width;
         }
     }
 }

@@ -320,5 +320,24 @@ TEST_F(ValueScaleTest, AnyPairOfNumbersHasAScale)
     }
 }
 
+TEST_F(ValueScaleTest, ASmallHeightHasTwoLabelsWhereTheyDoNotTouch)
+{
+    input.height = 52;
+    EXPECT_EQ(Labels(Of(0.438, 1.751)), (std::vector<std::string>{"0.5", "1.0", "1.5"}));
+    EXPECT_EQ(Labels(Of(50.0, 50.0)), (std::vector<std::string>{"48", "50", "52"}));
+    input.height = 20;
+    EXPECT_LE(Labels(Of(50.0, 50.0)).size(), 1u);
+}
+
+TEST_F(ValueScaleTest, StatesHaveNoLabelsBetweenWholeNumbers)
+{
+    input.isWhole = true;
+    const ValueScale scale = Of(0.0, 1.0);
+    EXPECT_EQ(Labels(scale), (std::vector<std::string>{"0", "1"}));
+    EXPECT_EQ(scale.ticks.size(), 2u);
+    EXPECT_EQ(Labels(Of(2.0, 2.0)), (std::vector<std::string>{"2"}));
+    EXPECT_EQ(Labels(Of(0.0, 60.0)).at(1), "10");
+}
+
 }  // namespace
 }  // namespace zr::graph

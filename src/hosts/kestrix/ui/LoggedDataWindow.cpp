@@ -11,6 +11,7 @@
 #include "logger/ui/ZRVirtualLoggerDataTableViewer.h"
 #include "platform/FileReplace.h"
 #include "platform/ui/AfxMessageBox.h"
+#include "platform/ui/Clipboard.h"
 #include "platform/ui/Images.h"
 #include "siblings/driversupport/DeviceWarning.h"
 
@@ -136,7 +137,7 @@ void LoggedDataWindow::MakeShortcuts()
     add(QKeySequence(Qt::ALT | Qt::Key_Right), [this] { OnNext(); });
     add(QKeySequence(Qt::CTRL | Qt::Key_G), [this] { OnGoTo(); });
     for (const QKeySequence& keys : QKeySequence::keyBindings(QKeySequence::Copy)) {
-        add(keys, [this] { OnEditCopy(); });
+        add(keys, [this] { Copy(); });
     }
     add(QKeySequence::Print, [this] { OnFilePrint(); });
     add(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P), [this] { OnFilePrintPreview(); });
@@ -150,6 +151,10 @@ bool LoggedDataWindow::OnCommand(unsigned id, unsigned code, QWidget* from)
 {
     if (id == kLoggedExport) {
         AskWhereToExport();
+        return true;
+    }
+    if (id == kCommandCopy) {
+        Copy();
         return true;
     }
     if (id == kLoggedGraph || id == kLoggedTable) {
@@ -174,6 +179,16 @@ bool LoggedDataWindow::OnNotify(const ui::NMHDR& notice)
 ZRVirtualLoggerDataGraphicViewer* LoggedDataWindow::GraphViewer() const
 {
     return dynamic_cast<ZRVirtualLoggerDataGraphicViewer*>(Viewer());
+}
+
+// The viewers say nothing of a clipboard that can't be opened.
+void LoggedDataWindow::Copy()
+{
+    if (Viewer() != nullptr && !ui::OpenClipboard()) {
+        AfxMessageBox(ui::FromQt(LoadText(kTextLoggedNotCopied)), ui::MB_OK | ui::MB_ICONEXCLAMATION);
+        return;
+    }
+    OnEditCopy();
 }
 
 void LoggedDataWindow::ShowAs(int kind)

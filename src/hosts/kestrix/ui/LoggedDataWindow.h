@@ -50,6 +50,7 @@ protected:
 private:
     void MakeShortcuts();
     void AskWhereToExport();
+    void Copy();
     // False with the reason; without one when the user has stopped it.
     bool Export(const std::filesystem::path& file, std::string& reason);
     bool ExportPages(const std::filesystem::path& file, std::string& reason);

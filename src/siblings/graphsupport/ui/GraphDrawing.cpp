@@ -129,8 +129,12 @@ void DrawOnPaper(QPainter& painter, const QRect& rect, double scale, const Graph
 std::unique_ptr<QMimeData> GraphMimeData(const GraphModel& model, const QSize& size, double scale, const QFont& font,
                                          PaperColours colours)
 {
+    const QImage picture = PictureOf(model, size, scale, font, colours);
+    if (picture.isNull()) {
+        return nullptr;
+    }
     auto data = std::make_unique<QMimeData>();
-    data->setImageData(PictureOf(model, size, scale, font, colours));
+    data->setImageData(picture);
     data->setData(QStringLiteral("image/svg+xml"), SvgOf(model, size, font, colours));
     data->setData(QStringLiteral("application/pdf"), PdfOf(model, size, font, colours));
     return data;

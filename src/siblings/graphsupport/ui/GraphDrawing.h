@@ -21,7 +21,8 @@ void DrawOnPaper(QPainter& painter, const QRect& rect, double scale, const Graph
                  PaperColours colours);
 
 // As pixels, so many for each of a screen of 96 dpi, as a drawing (image/svg+xml) and as a page of its size
-// (application/pdf). The size is that of the picture at 96 dpi.
+// (application/pdf). The size is that of the picture at 96 dpi. Null when
+// there is no memory for the pixels.
 std::unique_ptr<QMimeData> GraphMimeData(const GraphModel& model, const QSize& size, double scale, const QFont& font,
                                          PaperColours colours);
 

@@ -1,6 +1,7 @@
 #include "siblings/graphsupport/ui/ZRGraph.h"
 
 #include "platform/ui/CDC.h"
+#include "platform/ui/Clipboard.h"
 #include "platform/ui/UiText.h"
 #include "siblings/graphsupport/GraphModel.h"
 #include "siblings/graphsupport/ui/GraphDrawing.h"
@@ -8,8 +9,6 @@
 #include "siblings/graphsupport/ui/ScreenPicture.h"
 
 #include <cmath>
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
@@ -261,13 +260,16 @@ void ZRGraph::Regenerate(CDC*, bool)
 
 bool ZRGraph::CopyToClipboard(bool monochrome)
 {
-    QClipboard* const clipboard = QGuiApplication::clipboard();
-    if (clipboard == nullptr || !m_parts->IsReady() || size().isEmpty()) {
+    if (!m_parts->IsReady() || size().isEmpty() || !zr::ui::OpenClipboard()) {
         return false;
     }
-    clipboard->setMimeData(GraphMimeData(m_parts->Model(), size(), m_parts->Ratio(), font(),
-                                         monochrome ? PaperColours::BlackAndWhite : PaperColours::Coloured)
-                               .release());
+    std::unique_ptr<QMimeData> picture =
+        GraphMimeData(m_parts->Model(), size(), m_parts->Ratio(), font(),
+                      monochrome ? PaperColours::BlackAndWhite : PaperColours::Coloured);
+    if (picture == nullptr) {
+        return false;
+    }
+    zr::ui::SetClipboardData(std::move(picture));
     return true;
 }
 

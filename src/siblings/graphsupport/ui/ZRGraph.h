@@ -59,7 +59,8 @@ public:
     void Print(CDC* dc, const QRect& rect, bool monochrome);
     // Draws for the screen again after printing; null and true always.
     void Regenerate(CDC* dc, bool flag);
-    // The picture as pixels, and as a drawing for programs that take one. False when the desktop has no clipboard.
+    // The picture as pixels, and as a drawing for programs that take one. False, and the
+    // clipboard is as it was, when it can't be opened, there is no memory for the picture, or data are being replaced.
     bool CopyToClipboard(bool monochrome);
 
     // Read and written directly. Owned, by raw pointers; the destructor and ClearVariables delete them.

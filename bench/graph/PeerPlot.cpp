@@ -32,6 +32,8 @@ PeerPlot::PeerPlot(int width, int height) : m_parts(std::make_unique<Parts>())
         graph->setName(QStringLiteral("Voltage %1").arg(curve + 1));
         graph->setPen(QPen(QColor(QLatin1String(kColours[curve]))));
     }
+    // A fifth faster for many points, with joins that nobody sees at one pixel.
+    plot.setPlottingHint(QCP::phFastPolylines, true);
     plot.show();
     QCoreApplication::processEvents();
 }

@@ -1,4 +1,5 @@
-// The same curves by a well-known plotting library: one axis rectangle, its own defaults, axes, texts and legend on.
+// The same curves by a well-known plotting library: one axis rectangle, the faster of its ways to draw lines, its
+// defaults otherwise: antialiased, axes, texts and legend on.
 #pragma once
 
 #include "LoggedCurves.h"

@@ -57,10 +57,29 @@ bool CurveCourse::IsJoined()
         if (m_before != kNone && m_after != kNone && m_reader.Column().shape != CurveShape::Bars) {
             const std::int64_t distance = Distance(m_beforePoint.time, m_afterPoint.time);
             // The period first: it costs nothing.
-            m_isJoined = 2 * distance <= 3 * m_period || Usual() == 0 || 2 * distance <= 3 * Usual();
+            m_isJoined = 2 * distance <= 3 * m_period || AreNeighboursApart(distance) || Usual() == 0 ||
+                         2 * distance <= 3 * Usual();
         }
     }
     return *m_isJoined;
+}
+
+bool CurveCourse::AreNeighboursApart(std::int64_t distance)
+{
+    std::size_t sample = m_before;
+    std::int64_t time = m_beforePoint.time;
+    for (int n = 0; n < 2; ++n) {
+        sample = m_reader.Before(sample);
+        if (sample == kNone) {
+            return false;
+        }
+        const std::int64_t earlier = m_reader.TimeOf(sample);
+        if (2 * distance > 3 * Distance(earlier, time)) {
+            return false;
+        }
+        time = earlier;
+    }
+    return true;
 }
 
 std::int64_t CurveCourse::Usual()

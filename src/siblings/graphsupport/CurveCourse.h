@@ -41,6 +41,9 @@ public:
 
 private:
     void Stand(std::size_t before, std::size_t after);
+    // Whether two distances on one side are so long that the samples are joined, whatever the third one is: then the
+    // second largest of the three is no shorter. Most are, and it costs a third of Usual().
+    bool AreNeighboursApart(std::int64_t distance);
     // The second largest of up to three distances from a sample on, forwards or back; of fewer the least, 0 without.
     std::int64_t UsualFrom(std::size_t sample, bool isForwards);
     std::int64_t FindHold();

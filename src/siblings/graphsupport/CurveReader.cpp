@@ -63,9 +63,18 @@ ValueRange CurveReader::RangeOf(std::size_t begin, std::size_t end)
         add(begin, end);
         return range;
     }
-    add(begin, firstBlock * kBlock);
-    range.Add(Blocks(firstBlock, lastBlock));
-    add(lastBlock * kBlock, end);
+    range = Blocks(firstBlock, lastBlock);
+    // Of the blocks that the ends cut only those are read that reach beyond the others: few do.
+    const SampleLevels::Extent* const blocks = m_levels.Level(m_curve, 0);
+    const auto isWithin = [&](std::size_t block) {
+        return blocks[block].low >= range.low && blocks[block].high <= range.high;
+    };
+    if (begin < firstBlock * kBlock && !isWithin(firstBlock - 1)) {
+        add(begin, firstBlock * kBlock);
+    }
+    if (lastBlock * kBlock < end && !isWithin(lastBlock)) {
+        add(lastBlock * kBlock, end);
+    }
     return range;
 }
 

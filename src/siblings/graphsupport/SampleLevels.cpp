@@ -21,40 +21,32 @@ std::size_t DividedUp(std::size_t value, std::size_t divisor)
     return (value + divisor - 1) / divisor;
 }
 
-// Of rows that are all valid; sum or range aren't finite where a value isn't. Two at a time: one alone would wait for
+// Right only where count comes out as rows, and sum and range are finite. Two rows at a time: one alone would wait for
 // the addition before.
 template <bool isFolded>
 RowScan ScanValid(const LoggedValue* value, std::size_t rows, std::size_t apart, double factor)
 {
     RowScan even;
     RowScan odd;
-    const auto add = [factor](RowScan& scan, double stored) {
-        const double shown = stored * factor;
+    const auto add = [factor](RowScan& scan, const LoggedValue& added) {
+        const double shown = added.value * factor;
         const double drawn = isFolded ? Fold(shown) : shown;
         scan.range.Add(drawn);
-        scan.sum += drawn * SampleLevels::kSumScale;
+        scan.sum += drawn;
+        scan.count += added.valid != 0 ? 1U : 0U;
     };
     std::size_t r = 0;
     for (; r + 1 < rows; r += 2, value += 2 * apart) {
-        add(even, value[0].value);
-        add(odd, value[apart].value);
+        add(even, value[0]);
+        add(odd, value[apart]);
     }
     if (r < rows) {
-        add(even, value->value);
+        add(even, *value);
     }
     even.range.Add(odd.range);
-    even.sum += odd.sum;
-    even.count = rows;
+    even.sum = (even.sum + odd.sum) * SampleLevels::kSumScale;
+    even.count += odd.count;
     return even;
-}
-
-bool AreValid(const LoggedValue* value, std::size_t rows, std::size_t apart)
-{
-    unsigned invalid = 0;
-    for (std::size_t r = 0; r < rows; ++r) {
-        invalid += value[r * apart].valid == 0 ? 1U : 0U;
-    }
-    return invalid == 0;
 }
 
 template <bool isFolded>
@@ -130,14 +122,10 @@ double ShownValue(const LoggedValue& value, const CurveColumn& curve)
 
 RowScan ScanRows(const LoggedValue* value, std::size_t rows, std::size_t apart, const CurveColumn& curve)
 {
-    if (AreValid(value, rows, apart)) {
-        const RowScan scan = curve.isFolded ? ScanValid<true>(value, rows, apart, curve.factor)
-                                            : ScanValid<false>(value, rows, apart, curve.factor);
-        if (std::isfinite(scan.sum) && IsFinite(scan.range)) {
-            return scan;
-        }
-    }
-    return ScanAny(value, rows, apart, curve);
+    const RowScan scan = curve.isFolded ? ScanValid<true>(value, rows, apart, curve.factor)
+                                        : ScanValid<false>(value, rows, apart, curve.factor);
+    const bool isRight = scan.count == rows && std::isfinite(scan.sum) && IsFinite(scan.range);
+    return isRight ? scan : ScanAny(value, rows, apart, curve);
 }
 
 ValueRange RangeOfRows(const LoggedValue* value, std::size_t rows, std::size_t apart, const CurveColumn& curve)

@@ -1,7 +1,10 @@
 #include "siblings/graphsupport/SpanPainter.h"
 
+#include "siblings/graphsupport/ColumnStroke.h"
 #include "siblings/graphsupport/DashPattern.h"
+#include "siblings/graphsupport/PixelInk.h"
 #include "siblings/graphsupport/StrokeOutline.h"
+#include "siblings/graphsupport/StrokeStrip.h"
 
 #include <algorithm>
 #include <array>
@@ -12,124 +15,9 @@ namespace zr::graph {
 
 namespace {
 
-constexpr std::size_t kPlaces = StrokeOutline::kPlaces;
-constexpr float kWhole = 255.0F;
 // How far outside spans are still told apart, in rows. What they do there nobody sees.
 constexpr float kOutside = 4096.0F;
 constexpr int kWidestPen = 256;
-
-// All four bytes times a part of 255, rounded to the nearest.
-std::uint32_t Scaled(std::uint32_t pixel, std::uint32_t part)
-{
-    constexpr std::uint32_t kEven = 0x00FF00FFU;
-    constexpr std::uint32_t kHalves = 0x00800080U;
-    const std::uint32_t even = (pixel & kEven) * part + kHalves;
-    const std::uint32_t odd = ((pixel >> 8U) & kEven) * part + kHalves;
-    return (((even + ((even >> 8U) & kEven)) >> 8U) & kEven) | ((odd + ((odd >> 8U) & kEven)) & ~kEven);
-}
-
-// One colour, blended onto pixels.
-class Ink {
-public:
-    explicit Ink(std::uint32_t colour) : m_colour(Scaled(colour | 0xFF000000U, colour >> 24U)) {}
-
-    // Coverage from 0 to 1.
-    void Blend(std::uint32_t& pixel, float coverage) const
-    {
-        const auto part = static_cast<std::uint32_t>(coverage * kWhole + 0.5F);
-        const std::uint32_t source = Scaled(m_colour, part);
-        pixel = source + Scaled(pixel, 255U - (source >> 24U));
-    }
-    void Fill(std::uint32_t* pixel, int rows, std::ptrdiff_t stride) const
-    {
-        const std::uint32_t rest = 255U - (m_colour >> 24U);
-        for (int row = 0; row < rows; ++row, pixel += stride) {
-            *pixel = rest == 0 ? m_colour : m_colour + Scaled(*pixel, rest);
-        }
-    }
-
-private:
-    std::uint32_t m_colour;  // multiplied
-};
-
-// The rows of an area from one row to another, exclusive.
-struct Rows {
-    int begin;
-    int end;
-};
-
-Rows RowsOf(const PixelArea& area, float top, float bottom)
-{
-    const auto height = static_cast<float>(area.height);
-    return {static_cast<int>(std::clamp(std::floor(top), 0.0F, height)),
-            static_cast<int>(std::clamp(std::ceil(bottom), 0.0F, height))};
-}
-
-// One edge of a stroke within a column: slants side by side, each from one place to the next.
-struct Slants {
-    std::array<float, kPlaces> middles{};
-    std::array<float, kPlaces> steepness{};  // 1 / height, at most 1; 0: there is none
-    float first = kNever;                    // the uppermost row
-    float last = -kNever;                    // the lowest one
-
-    static constexpr float kNever = 1e9F;
-
-    void Set(std::size_t i, float one, float other)
-    {
-        middles[i] = (one + other) * 0.5F;
-        steepness[i] = 1.0F / std::max(std::abs(other - one), 1.0F);
-        first = std::min({first, one, other});
-        last = std::max({last, one, other});
-    }
-};
-
-// The stroke within one column.
-class StrokeColumn {
-public:
-    explicit StrokeColumn(const StrokeOutline::Edges& edges)
-    {
-        for (std::size_t i = 0; i < kPlaces; ++i) {
-            if (std::isinf(edges.top[i]) || std::isinf(edges.top[i + 1])) {
-                m_isWhole = false;
-                continue;
-            }
-            m_tops.Set(i, edges.top[i], edges.top[i + 1]);
-            m_bottoms.Set(i, -edges.bottom[i], -edges.bottom[i + 1]);
-        }
-    }
-
-    [[nodiscard]] bool IsEmpty() const { return m_tops.first > m_bottoms.last; }
-    [[nodiscard]] float Top() const { return m_tops.first; }
-    [[nodiscard]] float Bottom() const { return m_bottoms.last; }
-    // Between these every pixel is covered, if the first comes before the second.
-    [[nodiscard]] float FullTop() const { return m_isWhole ? m_tops.last : m_bottoms.last; }
-    [[nodiscard]] float FullBottom() const { return m_bottoms.first; }
-
-    // The part of a row that is below the upper edge and above the lower one.
-    [[nodiscard]] float Coverage(int row) const
-    {
-        const float middle = static_cast<float>(row) + 0.5F;
-        std::array<float, kPlaces> covered{};
-        for (std::size_t i = 0; i < kPlaces; ++i) {
-            const float belowTop = Held((middle - m_tops.middles[i]) * m_tops.steepness[i]);
-            const float belowBottom = Held((middle - m_bottoms.middles[i]) * m_bottoms.steepness[i]);
-            covered[i] = belowTop - belowBottom;
-        }
-        const float sum = (covered[0] + covered[1]) + (covered[2] + covered[3]);
-        return std::clamp(sum / static_cast<float>(kPlaces), 0.0F, 1.0F);
-    }
-
-private:
-    static float Held(float part)
-    {
-        const float least = part < -0.5F ? -0.5F : part;
-        return least > 0.5F ? 0.5F : least;
-    }
-
-    Slants m_tops;
-    Slants m_bottoms;
-    bool m_isWhole = true;
-};
 
 // Where in a column the dashes are: the curve's way through it.
 class DashedColumn {
@@ -172,36 +60,128 @@ private:
     float m_part = 1.0F;
 };
 
+// Some strips side by side, of columns of an area, painted some rows at a time: as many of each as the cache of a
+// processor and its table of pages hold, since every row lies in another page.
+class StripPainter {
+public:
+    static constexpr std::size_t kColumns = 64;
+
+    StripPainter(const PixelArea& area, const PixelInk& ink) : m_area(area), m_ink(ink) { m_strips.reserve(kStrips); }
+
+    // From a column on. makeStrip(i, columns) gives the strip of so many columns from i on, counted from there.
+    template <typename MakeStrip>
+    void Prepare(std::size_t first, std::size_t columns, const MakeStrip& makeStrip)
+    {
+        m_first = first;
+        m_columns = columns;
+        m_top = m_area.height;
+        m_bottom = 0;
+        m_strips.clear();
+        for (std::size_t i = 0; i < columns; i += kLanes) {
+            m_strips.push_back(makeStrip(i, std::min(kLanes, columns - i)));
+            m_top = std::min(m_top, std::max(m_strips.back().Top(), 0));
+            m_bottom = std::max(m_bottom, std::min(m_strips.back().Bottom(), m_area.height));
+        }
+    }
+    // Solid.
+    void Paint() const
+    {
+        ForBands([this](std::size_t i, int begin, int end) {
+            m_strips[i].ForRows(
+                begin, end, [&](int row, Floats coverage) { Blend(i, row, coverage); },
+                [&](int row) { m_ink.Fill(PixelsOf(i, row)); });
+        });
+    }
+    // Of each pixel the part drawn(i, row, coverage) of its coverage, from column i on.
+    template <typename Drawn>
+    void Paint(const Drawn& drawn) const
+    {
+        ForBands([&](std::size_t i, int begin, int end) {
+            m_strips[i].ForRows(
+                begin, end, [&](int row, Floats coverage) { Blend(i, row, drawn(i * kLanes, row, coverage)); },
+                [&](int row) { Blend(i, row, drawn(i * kLanes, row, Floats{} + 1.0F)); });
+        });
+    }
+
+private:
+    static constexpr std::size_t kStrips = kColumns / kLanes;
+    static constexpr int kRows = 32;
+
+    template <typename PaintStrip>
+    void ForBands(const PaintStrip& paintStrip) const
+    {
+        for (int row = m_top; row < m_bottom; row += kRows) {
+            for (std::size_t i = 0; i < m_strips.size(); ++i) {
+                paintStrip(i, row, std::min(row + kRows, m_bottom));
+            }
+        }
+    }
+    [[nodiscard]] std::uint32_t* PixelsOf(std::size_t strip, int row) const
+    {
+        return m_area.pixels + row * m_area.stride + m_first + strip * kLanes;
+    }
+    void Blend(std::size_t strip, int row, Floats coverage) const
+    {
+        const std::size_t columns = m_columns - strip * kLanes;
+        std::uint32_t* const pixels = PixelsOf(strip, row);
+        columns >= kLanes ? m_ink.Blend(pixels, coverage) : m_ink.Blend(pixels, coverage, columns);
+    }
+
+    PixelArea m_area;
+    const PixelInk& m_ink;
+    std::vector<StrokeStrip> m_strips;
+    std::size_t m_first = 0;
+    std::size_t m_columns = 0;
+    int m_top = 0;
+    int m_bottom = 0;
+};
+
 // Draws the pieces of one curve, from left to right.
 class LinePainter {
 public:
     LinePainter(const PixelArea& area, const SpanPen& pen)
-        : m_area(area), m_ink(pen.colour), m_pattern(pen.style, pen.width), m_outline(pen.width)
+        : m_width(static_cast<std::size_t>(area.width)),
+          m_ink(pen.colour),
+          m_strips(area, m_ink),
+          m_columns(area, m_ink, pen.width),
+          m_isDense(pen.isDense),
+          m_pattern(pen.style, pen.width),
+          m_outline(pen.width)
     {
     }
 
     // The column of the piece's first span.
     void PaintPiece(std::size_t first, std::span<const RowSpan> piece)
     {
+        if (m_isDense && m_pattern.IsSolid() && ColumnStroke::IsFor(piece)) {
+            m_columns.Paint(first, piece);
+            return;
+        }
         m_outline.Trace(piece);
+        Dash(piece);
+        // Columns of the outline begin Reach() before the piece.
         const std::size_t reach = m_outline.Reach();
-        for (std::size_t i = 0; i < piece.size() + 2 * reach; ++i) {
-            const std::size_t column = first + i;
-            const bool isPast = column < reach || column - reach >= static_cast<std::size_t>(m_area.width);
-            const std::size_t inPiece = std::clamp(i, reach, reach + piece.size() - 1) - reach;
+        const std::size_t begin = reach - std::min(first, reach);
+        const std::size_t end = std::min(piece.size() + 2 * reach, m_width + reach - first);
+        for (std::size_t column = begin; column < end; column += StripPainter::kColumns) {
+            const std::size_t columns = std::min(StripPainter::kColumns, end - column);
+            m_strips.Prepare(first + column - reach, columns, [&](std::size_t i, std::size_t count) {
+                return StrokeStrip(m_outline, column + i, count);
+            });
             if (m_pattern.IsSolid()) {
-                if (!isPast) {
-                    PaintSolid(column - reach, StrokeColumn(m_outline.Of(i)));
-                }
+                m_strips.Paint();
                 continue;
             }
-            const DashedColumn dashes(m_pattern, piece[inPiece], m_way, IsRising(piece, inPiece));
-            if (!isPast) {
-                PaintDashed(column - reach, StrokeColumn(m_outline.Of(i)), dashes);
-            }
-            if (i >= reach && i < reach + piece.size()) {
-                m_way += dashes.Length();
-            }
+            m_strips.Paint([&](std::size_t i, int row, Floats coverage) {
+                for (std::size_t lane = 0; lane < kLanes; ++lane) {
+                    if (coverage[lane] > 0.0F) {
+                        const std::size_t inPiece =
+                            std::clamp(column + i + lane, reach, reach + piece.size() - 1) - reach;
+                        coverage[lane] *= m_dashes[inPiece].DrawnPart(row);
+                    }
+                }
+                return coverage;
+            });
         }
     }
 
@@ -213,44 +193,24 @@ private:
         return column > 0 ? middle(column) < middle(column - 1) : piece.size() > 1 && middle(1) < middle(0);
     }
 
-    void PaintSolid(std::size_t column, const StrokeColumn& stroke)
+    void Dash(std::span<const RowSpan> piece)
     {
-        if (stroke.IsEmpty()) {
-            return;
-        }
-        std::uint32_t* const top = m_area.pixels + column;
-        const Rows rows = RowsOf(m_area, stroke.Top(), stroke.Bottom());
-        // The wholly covered rows are most of a tall column.
-        const Rows full = RowsOf(m_area, std::ceil(stroke.FullTop()), std::floor(stroke.FullBottom()));
-        const bool hasFull = full.begin < full.end;
-        for (int row = rows.begin; row < (hasFull ? full.begin : rows.end); ++row) {
-            m_ink.Blend(top[row * m_area.stride], stroke.Coverage(row));
-        }
-        if (hasFull) {
-            m_ink.Fill(top + full.begin * m_area.stride, full.end - full.begin, m_area.stride);
-            for (int row = full.end; row < rows.end; ++row) {
-                m_ink.Blend(top[row * m_area.stride], stroke.Coverage(row));
-            }
+        m_dashes.clear();
+        for (std::size_t i = 0; i < piece.size() && !m_pattern.IsSolid(); ++i) {
+            m_dashes.emplace_back(m_pattern, piece[i], m_way, IsRising(piece, i));
+            m_way += m_dashes.back().Length();
         }
     }
 
-    void PaintDashed(std::size_t column, const StrokeColumn& stroke, const DashedColumn& dashes)
-    {
-        if (stroke.IsEmpty()) {
-            return;
-        }
-        std::uint32_t* const top = m_area.pixels + column;
-        const Rows rows = RowsOf(m_area, stroke.Top(), stroke.Bottom());
-        for (int row = rows.begin; row < rows.end; ++row) {
-            m_ink.Blend(top[row * m_area.stride], stroke.Coverage(row) * dashes.DrawnPart(row));
-        }
-    }
-
-    const PixelArea& m_area;
-    Ink m_ink;
+    std::size_t m_width;  // of the area
+    PixelInk m_ink;
+    StripPainter m_strips;
+    ColumnStroke m_columns;
+    bool m_isDense;
     DashPattern m_pattern;
     StrokeOutline m_outline;
-    double m_way = 0.0;  // along the curve so far, pixels
+    std::vector<DashedColumn> m_dashes;  // of a piece
+    double m_way = 0.0;                  // along the curve so far, pixels
 };
 
 bool IsArea(const PixelArea& area)
@@ -315,26 +275,20 @@ void PaintFill(const PixelArea& area, std::span<const RowSpan> spans, std::uint3
     if (!IsArea(area)) {
         return;
     }
-    const Ink ink(colour);
+    const PixelInk ink(colour);
     const std::size_t count = std::min(spans.size(), static_cast<std::size_t>(area.width));
-    for (std::size_t i = 0; i < count; ++i) {
-        if (IsEmpty(spans[i])) {
-            continue;
-        }
-        const RowSpan span = Held(spans[i], area.height);
-        const Rows rows = RowsOf(area, span.top, span.bottom);
-        const Rows full = RowsOf(area, std::ceil(span.top), std::floor(span.bottom));
-        for (int row = rows.begin; row < rows.end; ++row) {
-            std::uint32_t* const pixel = area.pixels + row * area.stride + static_cast<std::ptrdiff_t>(i);
-            if (row == full.begin && full.begin < full.end) {
-                ink.Fill(pixel, full.end - full.begin, area.stride);
-                row = full.end - 1;
-                continue;
+    StripPainter strips(area, ink);
+    std::array<RowSpan, kLanes> held;
+    for (std::size_t first = 0; first < count; first += StripPainter::kColumns) {
+        const std::size_t columns = std::min(StripPainter::kColumns, count - first);
+        strips.Prepare(first, columns, [&](std::size_t begin, std::size_t size) {
+            for (std::size_t i = 0; i < size; ++i) {
+                const RowSpan& span = spans[first + begin + i];
+                held[i] = IsEmpty(span) ? RowSpan() : Held(span, area.height);
             }
-            const float top = std::max(span.top, static_cast<float>(row));
-            const float bottom = std::min(span.bottom, static_cast<float>(row + 1));
-            ink.Blend(*pixel, std::clamp(bottom - top, 0.0F, 1.0F));
-        }
+            return StrokeStrip(std::span(held).first(size));
+        });
+        strips.Paint();
     }
 }
 

@@ -26,11 +26,14 @@ struct SpanPen {
     unsigned style = 0;        // zr::graph::PS_..., dashes run along the curve
     int width = 1;             // pixels of the picture, at least 1
     std::uint32_t colour = 0;  // as a pixel, not multiplied
+    // There are several samples to a column: where the curve is within it isn't known.
+    bool isDense = false;
 };
 
 // Blends the stroke of a pen that is drawn along a curve: a disc as wide as the pen at every point of it, so that
 // slopes are as wide as level parts; each pixel by how much of it is covered. A curve goes on from a column to the next
-// where their spans touch, otherwise it ends. A piece of a single column is at least two pixels wide and high.
+// where their spans touch, otherwise it ends. A piece of a single column is at least two pixels wide and high. A dense
+// piece that goes up and down within its columns has no slopes to be seen: it covers them over their width.
 //
 // There is one span for every column of the area, further ones are ignored. They may lie outside, at infinity too.
 void PaintLine(const PixelArea& area, std::span<const RowSpan> spans, const SpanPen& pen);

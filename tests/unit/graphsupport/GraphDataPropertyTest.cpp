@@ -2,6 +2,7 @@
 #include "CurveGroup.h"
 #include "CurveReference.h"
 #include "siblings/graphsupport/GraphData.h"
+#include "siblings/graphsupport/SpanPainter.h"
 
 #include <gtest/gtest.h>
 #include <algorithm>
@@ -167,8 +168,11 @@ private:
     {
         for (std::size_t n = times.size() / 20; n > 0; --n) {
             const std::size_t record = Below(times.size());
+            // To any earlier time, or to that of the record before.
             const std::int64_t time =
-                times[record] - static_cast<std::int64_t>(Below(static_cast<std::size_t>(kHourLong)));
+                Below(3) == 0 && record > 0
+                    ? times[record - 1]
+                    : times[record] - static_cast<std::int64_t>(Below(static_cast<std::size_t>(kHourLong)));
             m_group->TimeOf(m_first + record) = time;
             times[record] = time;
         }
@@ -211,6 +215,48 @@ TEST(GraphDataPropertyTest, ReducedColumnsAreThoseOfEverySampleAndEveryLine)
                 data.Reduce(c, from, to, columns);
                 ASSERT_NO_FATAL_FAILURE(ExpectSame(columns, reference.Reduce(from, to, width)));
             }
+        }
+    }
+}
+
+// The pixels of a curve whose columns are these ranges, with values from -2 to 3 in a picture.
+std::vector<std::uint32_t> PixelsOf(const std::vector<ValueRange>& columns, CurveShape shape, const SpanPen& pen)
+{
+    constexpr int kHeight = 90;
+    const auto rowOf = [](double value) { return static_cast<float>((3.0 - value) * kHeight / 5.0); };
+    std::vector<std::uint32_t> pixels(columns.size() * kHeight, 0xFFFFFFFFU);
+    std::vector<RowSpan> spans;
+    for (const ValueRange& range : columns) {
+        spans.push_back(range.IsEmpty() ? RowSpan() : RowSpan{rowOf(range.high), rowOf(range.low)});
+    }
+    const auto width = static_cast<int>(columns.size());
+    const PixelArea area{pixels.data(), width, kHeight, width};
+    if (shape == CurveShape::Bars) {
+        PaintFill(area, spans, pen.colour);
+    } else {
+        PaintLine(area, spans, pen);
+    }
+    return pixels;
+}
+
+TEST(GraphDataPropertyTest, TheReducedPictureHasThePixelsOfTheFullOne)
+{
+    for (unsigned seed = 1000; seed < 1120; ++seed) {
+        RandomCurves curves(seed);
+        GraphData data;
+        data.Bind(curves.Group(), curves.curves);
+        for (std::size_t c = 0; c < kColumns; ++c) {
+            std::int64_t from = 0;
+            std::int64_t to = 0;
+            curves.RandomWindow(from, to);
+            const CurveShape shape = curves.curves[c].shape;
+            const SpanPen pen{static_cast<unsigned>(curves.Below(5)), 1 + static_cast<int>(curves.Below(9)),
+                              0xFF204060U, curves.Below(2) == 0};
+            std::vector<ValueRange> columns(1 + curves.Below(150));
+            data.Reduce(c, from, to, columns);
+            const std::vector<ValueRange> full = curves.Reference(c).Reduce(from, to, columns.size());
+            ASSERT_EQ(PixelsOf(columns, shape, pen), PixelsOf(full, shape, pen))
+                << "seed " << seed << " curve " << c << " style " << pen.style << " width " << pen.width;
         }
     }
 }

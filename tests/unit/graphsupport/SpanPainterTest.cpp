@@ -128,7 +128,8 @@ INSTANTIATE_TEST_SUITE_P(Slopes, SpanPainterSlopeTest,
                          testing::Values(Stroke{0.0, 1}, Stroke{0.1, 1}, Stroke{-0.4, 1}, Stroke{1.0, 1},
                                          Stroke{-3.0, 1}, Stroke{5.0, 1}, Stroke{0.3, 2}, Stroke{2.0, 2},
                                          Stroke{-0.7, 3}, Stroke{4.0, 3}, Stroke{0.2, 9}, Stroke{-1.0, 9},
-                                         Stroke{4.0, 9}));
+                                         Stroke{4.0, 9}, Stroke{0.5, 4}, Stroke{-2.0, 4}, Stroke{1.5, 5},
+                                         Stroke{-0.2, 6}, Stroke{3.0, 6}, Stroke{0.8, 7}, Stroke{-1.5, 8}));
 
 TEST(SpanPainterTest, NothingIsWrittenOutsideTheArea)
 {
@@ -146,9 +147,96 @@ TEST(SpanPainterTest, NothingIsWrittenOutsideTheArea)
         for (unsigned i = 0; i < static_cast<unsigned>(width) + random() % 3 - random() % 2; ++i) {
             spans.push_back({places[random() % places.size()], places[random() % places.size()]});
         }
-        PaintLine(canvas.Area(), spans, {static_cast<unsigned>(random() % 6), static_cast<int>(random() % 12), kBlack});
+        PaintLine(canvas.Area(), spans,
+                  {static_cast<unsigned>(random() % 6), static_cast<int>(random() % 12), kBlack, round % 3 == 0});
         PaintFill(canvas.Area(), spans, 0x80FF0000U);
         ASSERT_TRUE(canvas.IsRingUntouched()) << round;
+    }
+}
+
+// A curve of some pieces: level, steep, with spikes and gaps, partly outside.
+std::vector<RowSpan> RandomSpans(std::mt19937& random, std::size_t columns, int height)
+{
+    std::vector<RowSpan> spans;
+    const auto below = [&random](int limit) { return static_cast<float>(random() % static_cast<unsigned>(limit)); };
+    float row = below(height);
+    while (spans.size() < columns) {
+        const float to =
+            std::clamp(row + below(7) - 3.0F + below(100) / 100.0F, -20.0F, static_cast<float>(height) + 20.0F);
+        RowSpan span{std::min(row, to), std::max(row, to)};
+        switch (random() % 24) {
+            case 0:
+                span.top -= below(height);
+                break;
+            case 1:
+                span.bottom += below(height);
+                break;
+            case 2:
+                span = RowSpan();
+                break;
+            default:
+                break;
+        }
+        spans.push_back(span);
+        row = to;
+    }
+    return spans;
+}
+
+TEST(SpanPainterTest, ACurveLooksTheSameWhereverItsAreaBegins)
+{
+    // Columns and rows are painted in groups; nobody is to see where these begin.
+    std::mt19937 random(11);
+    for (int round = 0; round < 120; ++round) {
+        const int width = 1 + static_cast<int>(random() % 200);
+        const int height = 1 + static_cast<int>(random() % 120);
+        const std::vector<RowSpan> spans = RandomSpans(random, static_cast<std::size_t>(width), height);
+        const SpanPen pen{static_cast<unsigned>(random() % 5), 1 + round % 9, round % 2 == 0 ? kBlack : 0x90204060U,
+                          round % 3 == 0};
+        const int aside = 20 + static_cast<int>(random() % 70);
+        const int down = 20 + static_cast<int>(random() % 40);
+        Canvas alone(width, height);
+        Canvas within(width + 2 * aside, height + 2 * down);
+        std::vector<RowSpan> moved(static_cast<std::size_t>(aside));
+        for (const RowSpan& span : spans) {
+            const auto rows = static_cast<float>(down);
+            moved.push_back(span.top <= span.bottom ? RowSpan{span.top + rows, span.bottom + rows} : RowSpan());
+        }
+        PaintLine(alone.Area(), spans, pen);
+        PaintFill(alone.Area(), spans, 0x60FF0000U);
+        PaintLine(within.Area(), moved, pen);
+        PaintFill(within.Area(), moved, 0x60FF0000U);
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                for (unsigned shift = 0; shift < 32; shift += 8) {
+                    const auto one = static_cast<int>(alone.At(x, y) >> shift & 0xFFU);
+                    const auto other = static_cast<int>(within.At(x + aside, y + down) >> shift & 0xFFU);
+                    // Sums of other sizes are rounded otherwise.
+                    ASSERT_NEAR(one, other, 1) << "round " << round << " at " << x << " " << y;
+                }
+            }
+        }
+    }
+}
+
+TEST(SpanPainterTest, AFillCoversOfEachPixelWhatItsSpanDoes)
+{
+    std::mt19937 random(5);
+    for (int round = 0; round < 60; ++round) {
+        const int width = 1 + static_cast<int>(random() % 150);
+        const int height = 1 + static_cast<int>(random() % 100);
+        const std::vector<RowSpan> spans = RandomSpans(random, static_cast<std::size_t>(width), height);
+        Canvas canvas(width, height);
+        PaintFill(canvas.Area(), spans, kBlack);
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                const RowSpan& span = spans[static_cast<std::size_t>(x)];
+                const double top = std::max(static_cast<double>(span.top), static_cast<double>(y));
+                const double bottom = std::min(static_cast<double>(span.bottom), y + 1.0);
+                const double covered = span.top <= span.bottom ? std::clamp(bottom - top, 0.0, 1.0) : 0.0;
+                ASSERT_NEAR(canvas.Coverage(x, y), covered, 1.0 / 255) << "round " << round << " at " << x << " " << y;
+            }
+        }
     }
 }
 
@@ -160,6 +248,55 @@ TEST(SpanPainterTest, AnAreaWithoutPixelsIsLeftAlone)
     Canvas canvas(3, 3);
     PaintLine(canvas.Area(), {}, {PS_SOLID, 1, kBlack});
     EXPECT_EQ(canvas.AllCoverage(), 0.0);
+}
+
+TEST(SpanPainterTest, ADenseCurveCoversItsColumnsOverTheirWidth)
+{
+    std::mt19937 random(3);
+    for (int width = 1; width <= 9; ++width) {
+        constexpr int kColumns = 150;
+        constexpr int kRows = 120;
+        std::vector<RowSpan> spans;
+        for (int x = 0; x < kColumns; ++x) {
+            const float top = 10.0F + static_cast<float>(random() % 4000) / 100.0F;
+            spans.push_back({top, top + 40.0F + static_cast<float>(random() % 2000) / 100.0F});
+        }
+        Canvas canvas(kColumns, kRows);
+        PaintLine(canvas.Area(), spans, {PS_SOLID, width, kBlack, true});
+        for (int x = 0; x < kColumns; ++x) {
+            // The pen's disc at whole columns aside.
+            double top = kRows;
+            double bottom = 0.0;
+            for (int aside = -(width - 1) / 2; aside <= (width - 1) / 2; ++aside) {
+                if (x + aside >= 0 && x + aside < kColumns) {
+                    const RowSpan& span = spans[static_cast<std::size_t>(x + aside)];
+                    const double height = std::sqrt(width * width / 4.0 - aside * aside);
+                    top = std::min(top, static_cast<double>(span.top) - height);
+                    bottom = std::max(bottom, static_cast<double>(span.bottom) + height);
+                }
+            }
+            for (int y = 0; y < kRows; ++y) {
+                const double covered = std::clamp(std::min(bottom, y + 1.0) - std::max(top, y + 0.0), 0.0, 1.0);
+                ASSERT_NEAR(canvas.Coverage(x, y), covered, 1.0 / 255) << width << " at " << x << " " << y;
+            }
+        }
+    }
+}
+
+TEST(SpanPainterTest, ADenseSlopeIsASlopeStill)
+{
+    for (const double slope : {0.0, 0.3, -2.0, 6.0}) {
+        Canvas dense(60, 400);
+        Canvas line(60, 400);
+        const std::vector<RowSpan> spans = Straight(60, 200.3 - slope * 30, slope);
+        PaintLine(dense.Area(), spans, {PS_SOLID, 1, kBlack, true});
+        PaintLine(line.Area(), spans, {PS_SOLID, 1, kBlack});
+        for (int y = 0; y < 400; ++y) {
+            for (int x = 0; x < 60; ++x) {
+                ASSERT_EQ(dense.At(x, y), line.At(x, y)) << slope << " at " << x << " " << y;
+            }
+        }
+    }
 }
 
 TEST(SpanPainterTest, ALineThroughTheMiddleOfARowFillsThatRowOnly)

@@ -1,10 +1,13 @@
 #include "siblings/graphsupport/ui/CurvePainter.h"
 
+#include "platform/LargeMemory.h"
 #include "siblings/graphsupport/GraphModel.h"
 #include "siblings/graphsupport/SpanPainter.h"
 #include "siblings/graphsupport/ui/SceneColours.h"
 
 #include <cmath>
+#include <memory>
+#include <new>
 #include <QPainter>
 #include <QPen>
 #include <QPolygonF>
@@ -16,6 +19,8 @@ namespace {
 
 // Of the ground of bars, so that those of other curves show through.
 constexpr int kBarAlpha = 150;
+// Records to a column from which on a line through all of them is no more than the columns that it fills.
+constexpr double kDense = 4.0;
 
 std::uint32_t PixelOf(QColor colour, int alpha = 255)
 {
@@ -95,10 +100,34 @@ void DrawPiece(QPainter& painter, const QPolygonF& piece, bool isFilled)
 
 }  // namespace
 
+QImage MakePicture(const QSize& size)
+{
+    constexpr std::size_t kLine = 64;  // bytes, of a cache
+    if (size.isEmpty()) {
+        return {};
+    }
+    const std::size_t bytes = static_cast<std::size_t>(size.width()) * sizeof(std::uint32_t);
+    const std::size_t stride = ((bytes + kLine - 1) / kLine | 1U) * kLine;
+    try {
+        auto memory = std::make_unique<LargeMemory>(stride * static_cast<std::size_t>(size.height()));
+        auto* const pixels = reinterpret_cast<uchar*>(memory->Data());
+        return {pixels,
+                size.width(),
+                size.height(),
+                static_cast<qsizetype>(stride),
+                QImage::Format_ARGB32_Premultiplied,
+                [](void* held) { delete static_cast<LargeMemory*>(held); },
+                memory.release()};
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
 void PaintCurves(QImage& picture, const GraphModel& model, const GraphScene& scene, const SceneColours& colours)
 {
     const std::ptrdiff_t stride = picture.bytesPerLine() / static_cast<std::ptrdiff_t>(sizeof(std::uint32_t));
     auto* const pixels = reinterpret_cast<std::uint32_t*>(picture.bits());
+    const bool isDense = model.Status().recordsPerColumn >= kDense;
     std::vector<RowSpan> spans;
     for (const CurvePanel& panel : scene.panels) {
         if (!IsWithin(panel.rect, picture)) {
@@ -111,8 +140,9 @@ void PaintCurves(QImage& picture, const GraphModel& model, const GraphScene& sce
         if (panel.shape == CurveShape::Bars) {
             PaintBars(area, spans, panel, colours);
         } else {
-            PaintLine(area, spans,
-                      {panel.pen.lopnStyle, panel.pen.lopnWidth, PixelOf(colours.OfLine(panel.pen.lopnColor))});
+            PaintLine(
+                area, spans,
+                {panel.pen.lopnStyle, panel.pen.lopnWidth, PixelOf(colours.OfLine(panel.pen.lopnColor)), isDense});
         }
     }
 }

@@ -68,7 +68,7 @@ void ScreenPicture::Renew(GraphModel& model)
     }
     m_isOld = false;
     if (m_picture.size() != m_targetSize) {
-        m_picture = QImage(m_targetSize, QImage::Format_ARGB32_Premultiplied);
+        m_picture = MakePicture(m_targetSize);
     }
     if (m_picture.isNull()) {
         return;

@@ -56,6 +56,11 @@ protected:
 };
 
 constexpr std::array kFiles = {"table.csv", "table.xlsx"};
+#ifdef _WIN32
+constexpr const char* kNoFolder = "system error 3";  // ERROR_PATH_NOT_FOUND
+#else
+constexpr const char* kNoFolder = "No such file";
+#endif
 
 // Stops the work as soon as it has come so far.
 class StoppingProgress final : public Progress {
@@ -145,7 +150,7 @@ TEST_F(TableExportTest, TellsWhyAFileWasNotWritten)
     RecordVoltages(kDay, {2301});
     for (const char* const name : {"none/table.csv", "none/table.xlsx"}) {
         EXPECT_FALSE(Write(name, Table())) << name;
-        EXPECT_NE(reason.find("No such file"), std::string::npos) << reason;
+        EXPECT_NE(reason.find(kNoFolder), std::string::npos) << reason;
         profile.DeleteAll();
     }
     for (const char* const name : kFiles) {

@@ -87,17 +87,6 @@ private:
     const ExportedTable& m_table;
 };
 
-bool PutInPlace(const std::filesystem::path& part, const std::filesystem::path& file, std::string& reason)
-{
-    std::error_code failed;
-    std::filesystem::rename(part, file, failed);
-    if (failed) {
-        reason = failed.message();
-        return false;
-    }
-    return FlushFolder(file.parent_path(), reason);
-}
-
 // Rows go to the disk as they are written.
 bool WriteBook(const ExportedTable& table, const std::filesystem::path& file, Progress* progress, std::string& reason)
 {
@@ -144,7 +133,7 @@ bool WriteXlsx(const ExportedTable& table, const std::filesystem::path& file, Pr
     // The whole is put in place at the end.
     std::filesystem::path part = target;
     part += ".part";
-    if (WriteBook(table, part, progress, reason) && PutInPlace(part, target, reason)) {
+    if (WriteBook(table, part, progress, reason) && PutFileInPlace(part, target, reason)) {
         return true;
     }
     std::filesystem::remove(part, failed);

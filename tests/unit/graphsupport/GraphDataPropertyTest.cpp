@@ -369,8 +369,8 @@ TEST(GraphDataPropertyTest, FiguresAreThoseOfEverySample)
                 const double value = curves.curves[c].isFolded && shown < 0.0 ? shown + 2.0 : shown;
                 if (latest >= from && latest < to && std::isfinite(value)) {
                     range.Add(value);
-                    sum += value;
-                    size += std::abs(value);
+                    sum += static_cast<long double>(value);
+                    size += static_cast<long double>(std::abs(value));
                     ++count;
                 }
             }
@@ -379,7 +379,8 @@ TEST(GraphDataPropertyTest, FiguresAreThoseOfEverySample)
             if (count > 0) {
                 ASSERT_EQ(figures.minimum, range.low);
                 ASSERT_EQ(figures.maximum, range.high);
-                const long double error = std::abs(figures.mean - sum / static_cast<long double>(count));
+                const long double mean = sum / static_cast<long double>(count);
+                const long double error = std::abs(static_cast<long double>(figures.mean) - mean);
                 ASSERT_LE(error, size * 1e-14L);
             }
         }

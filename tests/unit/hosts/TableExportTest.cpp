@@ -1,5 +1,6 @@
 #include "hosts/kestrix/TableExport.h"
 
+#include "platform/FileReplace.h"
 #include "unit/logger/LoggedFixture.h"
 #ifndef _WIN32
 #include "support/SmallDisk.h"
@@ -56,6 +57,11 @@ protected:
 };
 
 constexpr std::array kFiles = {"table.csv", "table.xlsx"};
+#ifdef _WIN32
+constexpr const char* kNoFolder = "system error 3";  // ERROR_PATH_NOT_FOUND
+#else
+constexpr const char* kNoFolder = "No such file";
+#endif
 
 // Stops the work as soon as it has come so far.
 class StoppingProgress final : public Progress {
@@ -145,7 +151,7 @@ TEST_F(TableExportTest, TellsWhyAFileWasNotWritten)
     RecordVoltages(kDay, {2301});
     for (const char* const name : {"none/table.csv", "none/table.xlsx"}) {
         EXPECT_FALSE(Write(name, Table())) << name;
-        EXPECT_NE(reason.find("No such file"), std::string::npos) << reason;
+        EXPECT_NE(reason.find(kNoFolder), std::string::npos) << reason;
         profile.DeleteAll();
     }
     for (const char* const name : kFiles) {
@@ -192,6 +198,19 @@ TEST_F(TableExportTest, WritesAWorkbookAndLeavesNothingBesideIt)
     ASSERT_TRUE(Write("table.xlsx", Table())) << reason;
     EXPECT_EQ(folder.Read("table.xlsx").substr(0, 4), "PK\x03\x04");
     EXPECT_EQ(folder.Names().size(), 1U);
+}
+
+TEST_F(TableExportTest, WritesFilesWithNamesInAnyScript)
+{
+    RecordVoltages(kDay, {2301});
+    const ExportedTable table = Table();
+    for (const char* const name : {"Z\u00E4hler \u2460.csv", "Z\u00E4hler \u2460.xlsx"}) {
+        const std::filesystem::path file = folder.Path() / PathFromText(std::string_view(name));
+        const bool isCsv = ExportKindOf(file) == ExportKind::Csv;
+        EXPECT_TRUE(isCsv ? WriteCsv(table, file, nullptr, reason) : WriteXlsx(table, file, nullptr, reason)) << reason;
+        EXPECT_GT(std::filesystem::file_size(file), 0U);
+    }
+    EXPECT_EQ(folder.Names().size(), 2U);
 }
 
 #ifndef _WIN32

@@ -2,6 +2,7 @@
 
 #include "DesktopFixture.h"
 #include "platform/ProcessLock.h"
+#include "ui/support/FindWindow.h"
 
 #include <QImage>
 #include <QLineEdit>
@@ -59,7 +60,7 @@ TEST_F(LoggedDataPageViewTest, ShowsStoreAndDataSets)
     EXPECT_EQ(shown.dataSets[0].variables, u"32");
     EXPECT_EQ(shown.dataSets[1].period, u"10 s");
     EXPECT_EQ(page->accessibleDescription(), "waits for the first values");
-    EXPECT_FALSE(m_frame->findChild<SelectionStrip*>()->isVisible()) << "there is no value to select";
+    EXPECT_FALSE(test::FindWindow<SelectionStrip>(*m_frame)->isVisible()) << "there is no value to select";
 }
 
 TEST_F(LoggedDataPageViewTest, FollowsTheRecording)

@@ -8,6 +8,7 @@
 #include "platform/ui/CDialog.h"
 #include "platform/ui/CListCtrl.h"
 #include "siblings/driversupport/DeviceWarning.h"
+#include "ui/support/FindWindow.h"
 
 #include <cstring>
 #include <QClipboard>
@@ -26,7 +27,7 @@ class MainFrameTest : public DesktopFixture {
 protected:
     ZRValueControl* NumberOf(const QString& reference) const
     {
-        for (auto* const control : m_frame->Page()->findChildren<ZRValueControl*>()) {
+        for (auto* const control : test::FindWindows<ZRValueControl>(*m_frame->Page())) {
             if (control->toolTip().endsWith(reference)) {
                 return control;
             }
@@ -36,7 +37,7 @@ protected:
 
     QString MarkText() const { return m_frame->findChild<QLabel*>(QString::number(kSelectionText))->text(); }
 
-    CListCtrl* WarningList() const { return m_frame->findChild<CListCtrl*>(QString::number(kWarningList)); }
+    CListCtrl* WarningList() const { return test::FindWindow<CListCtrl>(*m_frame, kWarningList); }
 };
 
 TEST_F(MainFrameTest, ShowsThePageOfTheFirstDevice)
@@ -56,7 +57,7 @@ TEST_F(MainFrameTest, EveryValueOfAPageHasRoomOfItsOwn)
     for (const int width : {700, 1024, 1600}) {
         m_frame->resize(width, 700);
         Settle();
-        const auto controls = m_frame->Page()->findChildren<CWnd*>(QString(), Qt::FindDirectChildrenOnly);
+        const auto controls = test::FindWindows<CWnd>(*m_frame->Page(), Qt::FindDirectChildrenOnly);
         ASSERT_FALSE(controls.isEmpty());
         for (int i = 0; i < controls.size(); ++i) {
             EXPECT_TRUE(m_frame->Page()->rect().contains(controls[i]->geometry())) << width;
@@ -214,7 +215,7 @@ TEST_F(MainFrameTest, TheMenuThatSwitchesTheLanguageMayGoWithIt)
     }
     EXPECT_EQ(m_frame->menuBar()->actions().size(), 3);
     EXPECT_EQ(m_frame->menuBar()->actions()[0]->text(), "&File");
-    EXPECT_EQ(m_frame->findChildren<CToolBar*>().size(), 1);
+    EXPECT_EQ(test::FindWindows<CToolBar>(*m_frame).size(), 1);
 }
 
 TEST_F(MainFrameTest, TheSelectedValueStaysSelectedInAnotherLanguage)
@@ -282,7 +283,7 @@ TEST_F(MainFrameTest, ValuesGoOnAfterADragOfTheWarningBarThatAnotherWindowEnds)
 {
     Start();
     m_frame->Run();
-    auto* const bar = m_frame->findChild<CDebugDlgBar*>();
+    auto* const bar = test::FindWindow<CDebugDlgBar>(*m_frame);
     ASSERT_NE(bar, nullptr);
     const QPoint edge = bar->mapTo(m_frame.get(), QPoint(200, 1));
     QTest::mouseMove(m_frame->windowHandle(), edge);
@@ -365,7 +366,7 @@ TEST_F(MainFrameTest, ToolbarAndStatusBarStayAway)
     Command(kCmdWarnings);
     m_frame.reset();
     Open();
-    EXPECT_FALSE(m_frame->findChild<CToolBar*>(QString::number(kMainToolbar))->isVisible());
+    EXPECT_FALSE(test::FindWindow<CToolBar>(*m_frame, kMainToolbar)->isVisible());
     EXPECT_FALSE(m_frame->statusBar()->isVisible());
     EXPECT_FALSE(WarningList()->isVisible());
 }

@@ -369,10 +369,40 @@ TEST_F(GraphSettingsTest, OfDoubledEntriesTheFirstCounts)
 
 TEST_F(GraphSettingsTest, AnEntryWithoutANameDeletesTheRecordAtTheLastPosition)
 {
-    document.root->NewChild(u"Vars")->NewChild(u"Var");
+    Want({u"M.U", u"M.E"});
+    document.root->Node(u"Vars")->NewChild(u"Var");
     Log({u"M.U", u"M.E"});
-    // The other is logged and not wanted.
-    EXPECT_EQ(Get(), 0);
+    EXPECT_EQ(Get(), 1);
+    EXPECT_EQ(Records(), Texts{"M.U:0"});
+}
+
+TEST_F(GraphSettingsTest, ACurveOfAVariableNotLoggedStays)
+{
+    Want({u"M.U"});
+    Log({u"M.U"});
+    Curve old;
+    old.Name = u"M.OLD";
+    profile.AddVariable(old);
+    EXPECT_EQ(Get(), 2);
+    EXPECT_EQ(Records(), (Texts{"M.U:0", "M.OLD:-1"}));
+}
+
+TEST_F(GraphSettingsTest, OnlyEntriesCalledVarAreMerged)
+{
+    document.root->NewChild(u"Vars")->NewChild(u"Other")->SetValue(u"Name", u"M.U");
+    Log({u"M.U", u"M.E"});
+    EXPECT_EQ(Get(), 2);
+    EXPECT_TRUE(firstTime);
+    EXPECT_EQ(Wanted(), (Texts{"M.U", "M.U", "M.E"}));
+}
+
+TEST_F(GraphSettingsTest, ANameIsWantedWhateverTheEntryIsCalled)
+{
+    Want({u"M.U"});
+    document.root->Node(u"Vars")->NewChild(u"Other")->SetValue(u"Name", u"M.E");
+    Log({u"M.U", u"M.E", u"M.PF"});
+    EXPECT_EQ(Get(), 2);
+    EXPECT_EQ(Records(), (Texts{"M.U:0", "M.E:1"}));
 }
 
 TEST_F(GraphSettingsTest, AWantedVariableWithoutAnyLoggedDoesNoHarm)

@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <optional>
+#include <vector>
 
 namespace zr::graph {
 
@@ -89,7 +91,8 @@ public:
                                   -1});
     }
 
-    void PutEntry(const LegendEntry& entry, const Rect& place, const std::optional<std::int64_t>& time)
+    // The value: its width is kept free even when there is none, so that nothing moves.
+    void PutEntry(const LegendEntry& entry, const Rect& place, const ZRBasicString& value)
     {
         const double scale = m_target.scale;
         const int top = place.top + Scaled(kTop, scale) + entry.row * m_line;
@@ -112,8 +115,6 @@ public:
                                   SceneRole::Text,
                                   TextFont::Normal,
                                   -1});
-        // Its width is kept free even when there is no value, so that nothing moves.
-        const ZRBasicString value = time ? ReadingAt(m_state, entry.curve, *time, 1).value : curve.unit;
         m_out.push_back(SceneText{
             {entry.value, top, right, top + m_line}, value, TextAlign::Left, SceneRole::Text, TextFont::Bold, -1});
     }
@@ -146,6 +147,30 @@ private:
     SceneLayer& m_out;
     int m_line;
 };
+
+int EntriesOf(const Legend& legend, int zone)
+{
+    return static_cast<int>(std::count_if(legend.entries.begin(), legend.entries.end(),
+                                          [zone](const LegendEntry& entry) { return entry.zone == zone; }));
+}
+
+// Those of a zone that have room, beside what tells of the others at the end of the last row.
+std::vector<LegendEntry> EntriesWithRoom(const Legend& legend, int zone, const Rect& place,
+                                         const LegendPainter& painter)
+{
+    const int lastRow = painter.Rows(place) - 1;
+    std::vector<LegendEntry> shown;
+    std::copy_if(legend.entries.begin(), legend.entries.end(), std::back_inserter(shown),
+                 [&](const LegendEntry& entry) { return entry.zone == zone && entry.row <= lastRow; });
+    const int entries = EntriesOf(legend, zone);
+    if (static_cast<int>(shown.size()) < entries) {
+        const int room = place.right - painter.MoreWidth(entries);
+        std::erase_if(shown, [&](const LegendEntry& entry) {
+            return entry.row == lastRow && entry.value + entry.valueWidth > room;
+        });
+    }
+    return shown;
+}
 
 }  // namespace
 
@@ -180,7 +205,7 @@ Legend MakeLegend(const GraphState& state, const GraphTarget& target, std::span<
         const int before = SwatchWidth(target) + Scaled(kBehindSwatch, scale);
         const int width = before + titleWidth + Scaled(kBeforeValue, scale) + entry.valueWidth;
         int left = cursor.right + Scaled(cursor.right > 0 ? kBetween : kDateLeft, scale);
-        if (left + width > target.width && cursor.right > 0) {
+        if (left + width + Scaled(kBehindText, scale) > target.width && cursor.right > 0) {
             ++cursor.row;
             left = Scaled(kDateLeft, scale);
         }
@@ -225,36 +250,23 @@ void AppendLegend(const Legend& legend, const GraphState& state, const GraphTarg
     if (!target.isPaper) {
         time = TimeOfReadings(state);
     }
+    std::vector<CurveReading> readings;
+    if (time) {
+        readings = ReadingsAt(state, *time, 1);
+    }
     LegendPainter painter(state, target, out);
     if (time && legend.dateWidth > 0 && !places.empty() && !places[0].IsEmpty()) {
-        painter.PutDate(places[0], legend.dateWidth, *time);
+        painter.PutDate(places[0], legend.dateWidth, SampledTime(state, readings, *time));
     }
-    std::vector<int> entries(places.size());
-    std::vector<int> hidden(places.size());
-    for (const LegendEntry& entry : legend.entries) {
-        const auto zone = static_cast<std::size_t>(entry.zone);
-        ++entries[zone];
-        hidden[zone] += entry.row < painter.Rows(places[zone]) ? 0 : 1;
-    }
-    for (const LegendEntry& entry : legend.entries) {
-        const auto zone = static_cast<std::size_t>(entry.zone);
-        const Rect& place = places[zone];
-        const int lastRow = painter.Rows(place) - 1;
-        if (entry.row > lastRow) {
-            continue;
+    for (std::size_t zone = 0; zone < places.size(); ++zone) {
+        const std::vector<LegendEntry> shown = EntriesWithRoom(legend, static_cast<int>(zone), places[zone], painter);
+        for (const LegendEntry& entry : shown) {
+            const auto curve = static_cast<std::size_t>(entry.curve);
+            painter.PutEntry(entry, places[zone], time ? readings[curve].value : state.curves.curves[curve].unit);
         }
-        // What tells of the others has its place at the end of the last row.
-        const bool isInTheWay = hidden[zone] > 0 && entry.row == lastRow &&
-                                entry.value + entry.valueWidth > place.right - painter.MoreWidth(entries[zone]);
-        if (isInTheWay) {
-            ++hidden[zone];
-        } else {
-            painter.PutEntry(entry, place, time);
-        }
-    }
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        if (hidden[i] > 0 && !places[i].IsEmpty()) {
-            painter.PutMore(places[i], painter.Rows(places[i]) - 1, hidden[i]);
+        const int hidden = EntriesOf(legend, static_cast<int>(zone)) - static_cast<int>(shown.size());
+        if (hidden > 0 && !places[zone].IsEmpty()) {
+            painter.PutMore(places[zone], painter.Rows(places[zone]) - 1, hidden);
         }
     }
 }

@@ -278,6 +278,12 @@ TEST_F(GraphModelTest, TheLegendHasTheValueAtTheCursorElseTheLast)
     model.Move({Panel().left, 200});
     EXPECT_TRUE(Holds(model.Scene().over, "230.0 V"));
     EXPECT_TRUE(Holds(model.Scene().over, "2002-12-30 00:00:00"));
+    // The time is that of the sample, as in the tooltip.
+    model.ZoomTo({kBegin, kBegin + 2 * kMinuteLong});
+    model.Move(PlaceOf(0.9));
+    EXPECT_TRUE(Holds(model.Scene().over, "231.0 V"));
+    EXPECT_TRUE(Holds(model.Scene().over, "2002-12-30 00:01:00"));
+    model.UndoZoom();
     model.Move({Panel().right - 1, 200});
     EXPECT_TRUE(Holds(model.Scene().over, "-"));
 }

@@ -9,8 +9,8 @@ namespace zr::graph {
 
 namespace {
 
-constexpr double kLineContrast = 2.6;  // more would bring the colours closer to each other
-constexpr double kContrastOfTexts = 4.5;
+constexpr double kContrastOfLine = 2.6;  // more would bring the colours closer to each other
+constexpr double kContrastOfText = 4.5;
 constexpr double kDarkGround = 0.18;  // luminance: black and white contrast with it alike
 constexpr int kSteps = 32;
 
@@ -96,12 +96,12 @@ double ContrastOf(unsigned long one, unsigned long other)
 
 unsigned long LineColourOn(unsigned long ground, unsigned long colour)
 {
-    return LuminanceOf(ground) < kDarkGround ? WithContrast(ground, colour, kLineContrast) : colour;
+    return LuminanceOf(ground) < kDarkGround ? WithContrast(ground, colour, kContrastOfLine) : colour;
 }
 
 unsigned long TextColourOn(unsigned long ground, unsigned long colour)
 {
-    return WithContrast(ground, colour, kContrastOfTexts);
+    return WithContrast(ground, colour, kContrastOfText);
 }
 
 }  // namespace zr::graph

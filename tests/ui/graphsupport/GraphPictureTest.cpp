@@ -1,5 +1,5 @@
 // Pictures of measured data for people to look at: test_ui_graphsupport leaves them in pictures/ of the build folder,
-// and docs/images has two of them.
+// and docs/pictures has two of the kind.
 #include "ui/graphsupport/GraphFixture.h"
 #include "ui/support/SuiteTest.h"
 
@@ -146,6 +146,30 @@ TEST_F(GraphPictureTest, ShowsASmallGraph)
     DrawHousehold();
     EXPECT_FALSE(Picture().Image().isNull());
     Keep("graph-small");
+}
+
+// Two hundred curves in six zones, with states, and half a day without records.
+TEST_F(GraphPictureTest, ShowsTwoHundredCurves)
+{
+    parent.resize(960, 600);
+    RecordDay(u"G.U", [](int minute) { return minute / 360 == 2 ? kMissing : 230.0 + 8.0 * std::sin(minute / 90.0); });
+    RecordDay(u"G.V", [](int minute) { return minute / 360 == 2 ? kMissing : 232.0 + 6.0 * std::cos(minute / 70.0); });
+    RecordDay(u"G.PF", [](int minute) { return std::cos(minute / 200.0); });
+    RecordDay(u"G.E", [](int minute) { return minute * 0.35 + 20.0 * std::sin(minute / 240.0); });
+    RecordEvery(3600, u"G.S", {0, 0, 1, 1, 0, 3, 3, 2, kMissing, 1, 0, 0, 1});
+    constexpr const wchar* kNames[] = {u"G.U", u"G.V", u"G.S", u"G.PF", u"G.E", u"G.U"};
+    std::vector<Drawn> curves;
+    for (int zone = 0; zone < 6; ++zone) {
+        for (int i = 0; i < 33 + (zone < 2 ? 1 : 0); ++i) {
+            curves.push_back(
+                {kNames[zone], zone, ZRGraph::predefinedColors[static_cast<std::size_t>((zone + i) % 12)]});
+        }
+    }
+    Draw(curves, kHour);
+    EXPECT_EQ(Picture().Panels().size(), 6U);
+    Keep("graph-many");
+    Hover(QPoint(300, 300));
+    Keep("graph-many-tooltip");
 }
 
 }  // namespace

@@ -66,7 +66,7 @@ TEST_F(SnapshotTest, TakesTheWindowsOnLoggedDataOfWhatIsRecorded)
     std::string problem;
     EXPECT_TRUE(SaveSnapshots(*m_frame, m_folder / "out", problem)) << problem;
     SetLoggerStore(nullptr);
-    for (const char* const name : {"table", "preview", "narrow", "chevron", "loading", "graph-EM3"}) {
+    for (const char* const name : {"table", "preview", "narrow", "chevron", "loading", "graph-EM3", "graph-EM3-wide"}) {
         for (const char* const colours : {"-light", "-dark"}) {
             const std::string file = std::string("logged-") + name + colours + ".png";
             const QImage image(QString::fromStdString((m_folder.Path() / "out" / file).string()));

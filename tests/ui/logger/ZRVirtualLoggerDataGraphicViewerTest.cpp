@@ -10,6 +10,8 @@
 #include <QMimeData>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QTimer>
 
 namespace zr::logger {
@@ -279,6 +281,18 @@ TEST_F(ZRVirtualLoggerDataGraphicViewerTest, IsPrintedOnOnePage)
     QFile file(File());
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_TRUE(file.readAll().startsWith("%PDF"));
+    const auto output = [this](const QString& program, const QStringList& before) {
+        QProcess reader;
+        reader.start(program,
+                     before + QStringList(File()) + (program == "pdftotext" ? QStringList("-") : QStringList()));
+        EXPECT_TRUE(reader.waitForFinished()) << program.toStdString() << " is needed";
+        return QString::fromUtf8(reader.readAllStandardOutput());
+    };
+    EXPECT_TRUE(output("pdfinfo", {}).contains(QRegularExpression("Pages: +1\n")));
+    const QString words = output("pdftotext", {"-layout"});
+    for (const char* text : {"Voltage", "V", "Energy", "kWh", "Power factor", "PF", "30/12", "05/01", "2002", "2003"}) {
+        EXPECT_TRUE(words.contains(text)) << text << " is not in:\n" << words.toStdString();
+    }
     // Nobody was asked, and the file takes colours.
     EXPECT_TRUE(messages.empty());
     EXPECT_EQ(Viewer().Layout().PrintColor(), kPrintColour);

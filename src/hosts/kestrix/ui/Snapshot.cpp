@@ -6,6 +6,7 @@
 #include "hosts/kestrix/ui/PageSetupDlg.h"
 #include "hosts/kestrix/ui/UiTexts.h"
 #include "platform/FileReplace.h"
+#include "siblings/graphsupport/ui/ZRGraph.h"
 #include "siblings/tools/ui/CDlgProgress.h"
 #include "siblings/tools/ZRLoadString.h"
 
@@ -14,6 +15,7 @@
 #include <memory>
 #include <QApplication>
 #include <QBuffer>
+#include <QMouseEvent>
 #include <QPixmap>
 #include <QPointer>
 #include <QPrintPreviewDialog>
@@ -26,8 +28,10 @@ namespace zr::desktop {
 namespace {
 
 constexpr QSize kNarrowWindow{360, 420};
-constexpr int kLookPeriod = 20;  // ms
-constexpr int kPartLoaded = 40;  // percent
+constexpr QSize kGraphWindow{1060, 620};
+constexpr QPointF kPointedAt{0.44, 0.3};  // in a graph, parts of its width and height
+constexpr int kLookPeriod = 20;           // ms
+constexpr int kPartLoaded = 40;           // percent
 
 class Camera {
 public:
@@ -79,7 +83,8 @@ public:
         }
     }
 
-    // The logged data of the first device of each type as a graph. Nothing where nothing is recorded.
+    // The logged data of the first device of each type as a graph, and in a wide window with values pointed at. Nothing
+    // where nothing is recorded.
     void TakeGraphs()
     {
         const DeviceTree& tree = m_frame.Tree().Tree();
@@ -119,9 +124,24 @@ private:
         window->ShowAs(logger::kGraphViewer);
         Settle();
         Save(window->grab(), name);
+        window->resize(kGraphWindow);
+        Settle();
+        if (QWidget* const graph = ui::FindControl(*window, ui::kGraphId); graph != nullptr) {
+            PointAt(*graph);
+            Save(window->grab(), name + "-wide");
+        }
         // The next picture begins with the table again.
         window->ShowAs(logger::kTableViewer);
         delete window;
+    }
+
+    // So that the values at a time are in the picture.
+    static void PointAt(QWidget& graph)
+    {
+        const QPointF place(graph.width() * kPointedAt.x(), graph.height() * kPointedAt.y());
+        QMouseEvent move(QEvent::MouseMove, place, graph.mapToGlobal(place), Qt::NoButton, Qt::NoButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(&graph, &move);
     }
 
     void TakeTable(LoggedDataWindow& window)

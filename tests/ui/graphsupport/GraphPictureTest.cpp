@@ -1,5 +1,5 @@
 // Pictures of measured data for people to look at: test_ui_graphsupport leaves them in pictures/ of the build folder,
-// and docs/pictures has two of the kind.
+// and docs/images has two of the kind.
 #include "ui/graphsupport/GraphFixture.h"
 #include "ui/support/SuiteTest.h"
 

@@ -70,13 +70,15 @@ struct Limits {
 };
 
 // Moves those that aren't fixed; when both are, both.
-void Widen(Limits& limits, bool isFolded)
+void Widen(Limits& limits, const ValueScaleInput& input)
 {
     const double size = std::max(std::abs(limits.low), std::abs(limits.high));
     double by = size < kLeastSpan ? 1.0 : size * 0.05;
-    by = isFolded ? 0.05 : by;
+    by = input.isFolded ? 0.05 : by;
     const bool areBothFixed = limits.isLowFixed && limits.isHighFixed;
-    if (!limits.isLowFixed || areBothFixed) {
+    // Bars of nothing stand on zero all the same.
+    const bool staysAtZero = input.startsAtZero && limits.low >= 0.0 && !limits.isHighFixed;
+    if ((!limits.isLowFixed && !staysAtZero) || areBothFixed) {
         limits.low -= by;
     }
     if (!limits.isHighFixed || areBothFixed) {
@@ -204,7 +206,7 @@ ValueScale MakeValueScale(const ValueScaleInput& input)
     const double size = std::max(std::abs(limits.low), std::abs(limits.high));
     const bool isWidened = limits.high - limits.low <= std::max(kLeastSpan, size * kLeastRelative);
     if (isWidened) {
-        Widen(limits, input.isFolded);
+        Widen(limits, input);
     } else {
         AddMargin(limits, input);
     }

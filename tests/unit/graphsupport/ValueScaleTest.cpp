@@ -260,6 +260,14 @@ TEST_F(ValueScaleTest, APowerFactorIsLabelledUnfolded)
               (std::vector<std::string>{"0.60", "0.70", "0.80", "0.90", "1.00", "-0.90", "-0.80", "-0.70", "-0.60"}));
 }
 
+TEST_F(ValueScaleTest, BarsOfNothingStandOnZero)
+{
+    input.startsAtZero = true;
+    const ValueScale scale = Of(0.0, 0.0);
+    EXPECT_DOUBLE_EQ(scale.map.low, 0.0);
+    EXPECT_DOUBLE_EQ(scale.map.high, 1.0);
+}
+
 TEST_F(ValueScaleTest, APowerFactorRunsFromZeroToTwo)
 {
     input.isFolded = true;

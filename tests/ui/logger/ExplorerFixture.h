@@ -14,8 +14,10 @@
 #include "unit/logger/LoggedFixture.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QHeaderView>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 
 namespace zr::logger {
@@ -111,6 +113,20 @@ protected:
         ASSERT_NE(action, nullptr);
         QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier, menu->actionGeometry(action).center());
         QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    // Prints, and cancels the dialog of the printer.
+    void ExpectNothingPrintedWhenCancelled()
+    {
+        bool wasAsked = false;
+        QTimer::singleShot(0, &window, [&] {
+            auto* const dialog = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            wasAsked = true;
+            dialog->reject();
+        });
+        ui::SendCommand(&window, ui::ID_FILE_PRINT, 0, nullptr);
+        EXPECT_TRUE(wasAsked);
+        EXPECT_TRUE(messages.empty());
     }
     static ZRDateTimeSpan Minutes(int minutes) { return {minutes * 60, 0}; }
 

@@ -174,16 +174,7 @@ TEST_F(TablePrintingTest, PrintsNothingWhenTheDialogIsCancelled)
 {
     RecordVoltages(kDay, {2301});
     OpenWeek();
-    bool wasAsked = false;
-    QTimer::singleShot(0, &window, [&] {
-        auto* const dialog = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        wasAsked = true;
-        dialog->reject();
-    });
-    ui::SendCommand(&window, ui::ID_FILE_PRINT, 0, nullptr);
-    EXPECT_TRUE(wasAsked);
-    EXPECT_TRUE(messages.empty());
+    ExpectNothingPrintedWhenCancelled();
 }
 
 }  // namespace

@@ -327,16 +327,7 @@ TEST_F(ZRVirtualLoggerDataGraphicViewerTest, AsksAColourPrinterForBlackAndWhite)
 TEST_F(ZRVirtualLoggerDataGraphicViewerTest, PrintsNothingWhenTheDialogIsCancelled)
 {
     OpenGraph();
-    bool wasAsked = false;
-    QTimer::singleShot(0, &window, [&] {
-        auto* const dialog = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        wasAsked = true;
-        dialog->reject();
-    });
-    ui::SendCommand(&window, ui::ID_FILE_PRINT, 0, nullptr);
-    EXPECT_TRUE(wasAsked);
-    EXPECT_TRUE(messages.empty());
+    ExpectNothingPrintedWhenCancelled();
 }
 
 TEST_F(ZRVirtualLoggerDataGraphicViewerTest, TheMenuShowsAPreview)

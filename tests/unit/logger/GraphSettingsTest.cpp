@@ -1,7 +1,7 @@
 #include "logger/GraphSettings.h"
 
 #include "support/XmlTree.h"
-#include "unit/logger/LoggedFixture.h"
+#include "unit/logger/SettingsFixture.h"
 
 #include <cmath>
 #include <limits>
@@ -11,34 +11,18 @@ namespace {
 
 using Curve = ZRGraphProfile::CVariableProfile;
 
-class GraphSettingsTest : public LoggedFixture {
+class GraphSettingsTest : public SettingsFixture {
 protected:
-    GraphSettingsTest() { document.Create(u"main"); }
-
     // The profile as the viewer fills it before the settings are merged.
     void Log(const std::vector<ZRBasicString>& names)
     {
-        info = Info(names);
-        info.Lock();
         profile.DeleteAll();
-        int position = 0;
-        for (const ZRDriverVariable* variable : info.variables) {
-            ZRDeviceDriver::tagSVariableInfo told;
-            if (variable->Info(told)) {
-                profile.AddVariable(variable->fullName, u"Title", position, 0, 0xA0, told.measureUnits,
+        ForEachLogged(
+            names, [&](const ZRDriverVariable& variable, const ZRDeviceDriver::tagSVariableInfo& told, int position) {
+                profile.AddVariable(variable.fullName, u"Title", position, 0, 0xA0, told.measureUnits,
                                     told.valueExponent, told.unitsDecimals, told.infoCode, position, Curve::kNoMinimum,
                                     Curve::kNoMaximum, told.unitsExponent);
-            }
-            ++position;
-        }
-    }
-
-    void Want(const std::vector<const wchar*>& names)
-    {
-        XmlNode& vars = GetOrCreate(*document.root, u"Vars");
-        for (const wchar* name : names) {
-            vars.NewChild(u"Var")->SetValue(u"Name", name);
-        }
+            });
     }
 
     // A curve's entry in the settings, with these values.
@@ -72,14 +56,6 @@ protected:
         }
         return records;
     }
-    std::vector<std::string> Wanted() const
-    {
-        std::vector<std::string> names;
-        for (const XmlNode* child : document.root->Node(u"Vars")->children) {
-            names.push_back(Narrow(child->Value(u"Name", u"-")));
-        }
-        return names;
-    }
     // "name=text" of each value of an entry of the tree, in order.
     std::vector<std::string> Entry(std::size_t position) const
     {
@@ -91,10 +67,6 @@ protected:
         return values;
     }
 
-    using Texts = std::vector<std::string>;
-
-    XmlDocument document;
-    ZRLoggerInfo info;
     ZRGraphProfile profile;
     bool firstTime = false;
 };

@@ -1,7 +1,7 @@
 #include "logger/TableSettings.h"
 
 #include "support/XmlTree.h"
-#include "unit/logger/LoggedFixture.h"
+#include "unit/logger/SettingsFixture.h"
 
 namespace zr::logger {
 namespace {
@@ -13,33 +13,17 @@ struct Arrangement {
     const wchar* width;
 };
 
-class TableSettingsTest : public LoggedFixture {
+class TableSettingsTest : public SettingsFixture {
 protected:
-    TableSettingsTest() { document.Create(u"main"); }
-
     // The profile as the viewer fills it before the settings are merged.
     void Log(const std::vector<ZRBasicString>& names)
     {
-        info = Info(names);
-        info.Lock();
         profile.DeleteAll();
-        int position = 0;
-        for (const ZRDriverVariable* variable : info.variables) {
-            ZRDeviceDriver::tagSVariableInfo told;
-            if (variable->Info(told)) {
-                profile.AddVariable(variable->fullName, u"Title", position, told.measureUnits, told.valueExponent,
+        ForEachLogged(
+            names, [&](const ZRDriverVariable& variable, const ZRDeviceDriver::tagSVariableInfo& told, int position) {
+                profile.AddVariable(variable.fullName, u"Title", position, told.measureUnits, told.valueExponent,
                                     told.unitsDecimals, 100, told.unitsExponent);
-            }
-            ++position;
-        }
-    }
-
-    void Want(const std::vector<const wchar*>& names)
-    {
-        XmlNode* const vars = document.root->NewChild(u"Vars");
-        for (const wchar* name : names) {
-            vars->NewChild(u"Var")->SetValue(u"Name", name);
-        }
+            });
     }
 
     void Arrange(const std::vector<Arrangement>& setups)
@@ -81,19 +65,7 @@ protected:
         }
         return entries;
     }
-    std::vector<std::string> Wanted() const
-    {
-        std::vector<std::string> names;
-        for (const XmlNode* child : document.root->Node(u"Vars")->children) {
-            names.push_back(Narrow(child->Value(u"Name", u"-")));
-        }
-        return names;
-    }
 
-    using Texts = std::vector<std::string>;
-
-    XmlDocument document;
-    ZRLoggerInfo info;
     ZRTableProfile profile;
 };
 

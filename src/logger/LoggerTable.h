@@ -74,7 +74,6 @@ public:
     // long ones the beginning.
     [[nodiscard]] ZRBasicString LeftOutOfPrint(int areaRight) const;
 
-    [[nodiscard]] int GroupBy() const { return m_groupBy; }
     // Of rows; 0 while the data are invalid.
     [[nodiscard]] int Count() const { return m_cursor.Count(); }
     [[nodiscard]] ZRTableProfile& Profile() { return m_profile; }
